@@ -1,0 +1,12 @@
+# One Google Benchmark program per source in bench/, named after it.
+file(GLOB bench_sources CONFIGURE_DEPENDS bench/*.cpp)
+if(bench_sources)
+  find_package(benchmark REQUIRED)
+endif()
+foreach(source IN LISTS bench_sources)
+  cmake_path(GET source STEM name)
+  add_executable(${name} ${source})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bench")
+  target_include_directories(${name} PRIVATE bench tests)
+  target_link_libraries(${name} PRIVATE quvex::quvex quvex_options benchmark::benchmark benchmark::benchmark_main)
+endforeach()

@@ -1,0 +1,12 @@
+# One libFuzzer program per fuzz/<name>_fuzz.cpp; its corpus is fuzz/corpus/<name>/, which the tests replay everywhere.
+if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
+  message(FATAL_ERROR "QUVEX_FUZZ needs clang: cmake --preset fuzz")
+endif()
+file(GLOB fuzz_sources CONFIGURE_DEPENDS fuzz/*_fuzz.cpp)
+foreach(source IN LISTS fuzz_sources)
+  cmake_path(GET source STEM name)
+  add_executable(${name} ${source})
+  target_link_libraries(${name} PRIVATE quvex::quvex quvex_options)
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+endforeach()

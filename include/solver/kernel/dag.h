@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "solver/kernel/dagfixedfields.h"
+#include "solver/kernel/nodepool.h"
+#include "solver/kernel/propagation.h"
+#include "solver/kernel/types.h"
+
+namespace quvex {
+
+class Node;
+
+/// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
+/// driver. Two `Dag`s may exchange solutions exactly when their `fixed` is the same object.
+///
+/// Invariant between moves: `tentativeValue` equals `nodeValue` and all dirty bits are clear.
+class Dag {
+ public:
+  static constexpr const char* kName = "quvex::Dag";
+
+  const DagFixedFields& fixed;
+  Propagation propagation;
+  std::vector<Node*> nodes;  ///< by id, owned, memory from the pool
+  std::vector<t_value> nodeValue;
+  std::vector<t_value> tentativeValue;
+  bool initialized = false;
+
+  /// Allocates all nodes, with every cell zero. `fixedFields` must be complete and must outlive the `Dag`.
+  explicit Dag(const DagFixedFields& fixedFields);
+  ~Dag();
+  Dag(const Dag&) = delete;
+  Dag& operator=(const Dag&) = delete;
+
+  /// Computes every node from the decisions' cells. Raises on a second call, or without an objective.
+  void init();
+  /// The node step of `init` alone: brings every node up to the committed decisions.
+  void reinitAllNodes();
+  /// Changes the last level that the search cares about. Levels that it newly covers may be stale, so a rise recomputes
+  /// every node; before a fall the levels that it leaves behind are brought up to date.
+  void setOptimizedLevel(Level level);
+  /// Size, types and objective bounds, on standard output.
+  void printStats() const;
+
+  [[nodiscard]] bool isDirty(NodeId id) const { return ((dirtyBits[id / 64] >> (id % 64)) & 1U) != 0; }
+  void setDirty(NodeId id) { dirtyBits[id / 64] |= std::uint64_t{1} << (id % 64); }
+  void clearDirty(NodeId id) { dirtyBits[id / 64] &= ~(std::uint64_t{1} << (id % 64)); }
+
+  [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
+
+  /// Cells read as doubles, whatever the domain.
+  [[nodiscard]] double committedDouble(NodeId id) const { return fixed.asDouble(id, nodeValue[id]); }
+  [[nodiscard]] double tentativeDouble(NodeId id) const { return fixed.asDouble(id, tentativeValue[id]); }
+
+  /// Sets a decision for the current move to the opposite of its tentative value.
+  void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - tentativeValue[decision]); }
+
+ private:
+  std::vector<std::uint64_t> dirtyBits;  ///< set from queueing until commit or rollback
+  NodePool pool;
+
+  Node* createNode(NodeId id);
+};
+
+}  // namespace quvex

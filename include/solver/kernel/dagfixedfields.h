@@ -1,0 +1,128 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "solver/kernel/nodetype.h"
+#include "solver/kernel/nodetypeutils.h"
+#include "solver/kernel/types.h"
+
+namespace quvex {
+
+/// One entry of a node's parent run: the parent, and the position that the node holds among its operands.
+/// A node used twice by one parent has two entries.
+struct ParentLink {
+  NodeId parent;
+  OperandPos childPos;
+};
+
+/// The immutable description of a compiled model, shared by all threads.
+/// Filled by one `addNode` per node, operands before users, and closed by one `init`; after that nothing changes.
+/// Arrays are indexed by node id unless told otherwise; operands and parents are compressed rows.
+class DagFixedFields {
+ public:
+  static constexpr const char* kName = "quvex::DagFixedFields";
+
+  std::uint32_t nbNodes = 0;
+  std::vector<NodeId> constraints;
+  std::vector<NodeId> objectives;                  ///< lexicographic order, the first matters most
+  std::vector<std::uint32_t> objectiveDirections;  ///< 0 minimise, 1 maximise
+  std::vector<std::vector<NodeId>> nodesByRank;    ///< per rank, ascending ids
+  std::vector<std::uint32_t> posInConstraints;     ///< index in `constraints`, or kNone
+  std::vector<Rank> nodeRanks;
+  std::vector<t_value> minBounds;
+  std::vector<t_value> maxBounds;
+  std::vector<Domain> nodeDomains;
+  std::vector<std::uint32_t> constantCounts;
+  std::vector<t_value> constantValues;  ///< the pool of all nodes' constants
+  std::vector<std::uint32_t> constantStart;
+  std::vector<NodeType> nodeTypes;
+  std::vector<std::uint32_t> typeCounts;   ///< by type code, up to the highest code used
+  std::vector<NodeId> decisionList;        ///< boolean decisions, integer decisions, operators
+  std::vector<std::uint32_t> decisionPos;  ///< inverse of `decisionList`, kNone for constants
+  std::uint32_t nbBooleans = 0;
+  std::uint32_t nbIntegers = 0;
+  std::uint32_t nbOperators = 0;
+  std::uint32_t firstInteger = 0;
+  std::uint32_t firstOperator = 0;
+  std::vector<std::uint32_t> nbChildren;
+  std::vector<std::uint32_t> childStart;
+  std::vector<NodeId> children;
+  std::vector<ParentLink> parents;  ///< sorted by level within each run
+  std::vector<Level> nodeLevel;
+
+  /// Appends a node and gives it the next id. Operands must exist already for `init` to succeed.
+  NodeId addNode(NodeType type, std::span<const NodeId> operands = {}, std::span<const t_value> constants = {});
+  NodeId addBooleanDecision() { return addNode(NodeType::Boolean); }
+  NodeId addIntegerDecision() { return addNode(NodeType::Integer); }
+  NodeId addConstant(t_value value) { return addNode(NodeType::Constant, {}, {&value, 1}); }
+  NodeId addDoubleConstant(double value);
+  NodeId addDoubleCast(NodeId operand) { return addNode(NodeType::DoubleCast, {&operand, 1}); }
+  void addObjective(NodeId id, std::uint32_t direction);
+  void addConstraint(NodeId id) { constraints.push_back(id); }
+
+  /// Completes the description: parents, ranks, domains, bounds, decision order, levels.
+  /// Raises when a constraint is listed twice, a node can't be reached from the sources, or a bound has no value.
+  void init();
+
+  [[nodiscard]] std::uint32_t nbObjectives() const { return static_cast<std::uint32_t>(objectives.size()); }
+  [[nodiscard]] std::uint32_t nbConstraints() const { return static_cast<std::uint32_t>(constraints.size()); }
+  [[nodiscard]] std::uint32_t nbRanks() const { return static_cast<std::uint32_t>(nodesByRank.size()); }
+
+  [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return children[childStart[id] + p]; }
+  [[nodiscard]] std::span<const NodeId> childrenOf(NodeId id) const {
+    return {children.data() + childStart[id], nbChildren[id]};
+  }
+  [[nodiscard]] t_value constant(NodeId id, std::uint32_t i) const { return constantValues[constantStart[id] + i]; }
+  [[nodiscard]] double constantDouble(NodeId id, std::uint32_t i) const { return wordToDouble(constant(id, i)); }
+  [[nodiscard]] std::span<const t_value> constantsOf(NodeId id) const {
+    return {constantValues.data() + constantStart[id], constantCounts[id]};
+  }
+
+  /// First entry of the node's run in `parents`; 0 for a node without parents.
+  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentRuns[std::size_t{id} * runStride]; }
+  /// Length of the prefix of the parent run that holds the parents of level `k` or lower; at `k` equal to the number
+  /// of objectives, of the whole run.
+  [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const {
+    return parentRuns[std::size_t{id} * runStride + 1 + k];
+  }
+  [[nodiscard]] std::uint32_t parentCount(NodeId id) const { return parentCountByLevel(nbObjectives(), id); }
+  [[nodiscard]] std::span<const ParentLink> parentsOf(NodeId id) const {
+    return {parents.data() + parentStart(id), parentCount(id)};
+  }
+
+  [[nodiscard]] bool isConstraint(NodeId id) const { return posInConstraints[id] != kNone; }
+  [[nodiscard]] bool isDouble(NodeId id) const { return nodeDomains[id] == Domain::Double; }
+  /// A cell of node `id` read as a double: its bits, or the converted integer.
+  [[nodiscard]] double asDouble(NodeId id, t_value cell) const {
+    return isDouble(id) ? wordToDouble(cell) : static_cast<double>(cell);
+  }
+  [[nodiscard]] double minDouble(NodeId id) const { return asDouble(id, minBounds[id]); }
+  [[nodiscard]] double maxDouble(NodeId id) const { return asDouble(id, maxBounds[id]); }
+
+  /// The place of a decision in `decisionList`. Warns on standard output when the node is no decision, and answers
+  /// all the same.
+  [[nodiscard]] std::uint32_t getDecisionIndex(NodeId id) const;
+
+  /// Steps of `init`, in its order.
+  void initPosInConstraints();
+  void computeRanks();
+
+ private:
+  /// Per node: the start of its parent run, then its parent counts by level. One row, so that telling the parents of
+  /// a node costs one cache line.
+  std::vector<std::uint32_t> parentRuns;
+  std::size_t runStride = 2;
+
+  void countTypes();
+  void buildParents();
+  void groupByRank();
+  void computeDomainsAndBounds();
+  void listDecisions();
+  void computeLevels();
+  void sortParentsByLevel();
+  std::uint32_t& parentCountCell(Level k, NodeId id) { return parentRuns[std::size_t{id} * runStride + 1 + k]; }
+};
+
+}  // namespace quvex

@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "solver/kernel/daglistener.h"
+#include "solver/kernel/indexedset.h"
+#include "solver/kernel/types.h"
+
+namespace quvex {
+
+class Dag;
+class DagFixedFields;
+
+/// Node ids queued in the current move, one list per rank, in arrival order. A rank's entries need no sorting among
+/// themselves, so plain lists beat a heap. All lists lie in one array; a list has room for every node it may ever hold,
+/// because the dirty bit lets a node in only once.
+class RankQueues {
+ public:
+  /// `capacities[r]` is the number of nodes that may be queued at rank `r`.
+  void init(std::span<const std::uint32_t> capacities);
+
+  void push(Rank r, NodeId id) { entries[start[r] + sizes[r]++] = id; }
+  [[nodiscard]] std::uint32_t size(Rank r) const { return sizes[r]; }
+  [[nodiscard]] NodeId at(Rank r, std::uint32_t i) const { return entries[start[r] + i]; }
+  [[nodiscard]] std::span<const NodeId> list(Rank r) const { return {entries.data() + start[r], sizes[r]}; }
+  void clear(Rank r) { sizes[r] = 0; }
+
+ private:
+  std::vector<NodeId> entries;
+  std::vector<std::uint32_t> start;
+  std::vector<std::uint32_t> sizes;
+};
+
+/// The evaluation driver of one `Dag`, and its treatment of constraints.
+///
+/// Evaluation: a move sets decisions tentatively, stage 0 evaluates everything that constraints depend on, stage k what
+/// objective k - 1 adds; then exactly one of `commitAll` and `rollbackAll` ends the move. Ranks go up, so a node is
+/// evaluated after all its changed operands.
+///
+/// Constraints: an active constraint is a hard barrier, its breaking stops the evaluation at once; an inactive one
+/// adds to a count and a sum of violation. A committed count of 0 means feasible.
+///
+/// Invariant between moves: all queues and dirty bits are clear, `doneLevel` is 0, tentative counters equal committed
+/// ones, and `violatedConstraints` holds the inactive constraints that are false.
+class Propagation {
+ public:
+  static constexpr const char* kName = "quvex::Propagation";
+
+  std::int64_t tentativeNbViolated = 0;
+  std::int64_t committedNbViolated = 0;
+  std::int64_t tentativeViolation = 0;  ///< sum of `violation` over inactive constraints
+  std::int64_t committedViolation = 0;
+  Level doneLevel = 0;       ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
+  Level optimizedLevel = 0;  ///< last stage that the search cares about
+  std::vector<NodeId> touchedDecisions;  ///< in the order of setting
+  IndexedSet activeConstraints;          ///< may no longer be violated
+  IndexedSet violatedConstraints;        ///< inactive and now false
+  IndexedSet laggingNodes;               ///< committed, with parents above `optimizedLevel` that were not told
+  std::vector<t_value> laggingValues;    ///< for each of them, what those parents last saw
+
+  /// Called once, when all nodes have their values.
+  void init(const Dag& dag);
+
+  /// Sets a decision for the current move. Its committed value, or a second set in the same move, is ignored.
+  /// Allowed only before `evaluateConstraints`.
+  void setTentativeValue(Dag& dag, NodeId id, t_value value);
+  /// Stage 0. False if an active constraint broke: only `rollbackAll` may follow.
+  [[nodiscard]] bool evaluateConstraints(Dag& dag);
+  /// Stages up to `stage`, after stage 0. Returns at once for a stage already done.
+  [[nodiscard]] bool evaluateUpTo(Dag& dag, Level stage);
+  void commitAll(Dag& dag);
+  void rollbackAll(Dag& dag);
+  /// Brings the levels above `optimizedLevel` up to the committed state.
+  void catchUp(Dag& dag);
+
+  /// No constraint active; `violatedConstraints` holds every constraint that is false.
+  void initConstraints(const Dag& dag);
+  /// Recounts the committed violation over all constraints.
+  void computeViolation(const Dag& dag);
+  void activateConstraint(const Dag& dag, NodeId id);
+  void activateAllConstraints();
+  void activateSatisfiedConstraints(const Dag& dag);
+  /// Makes every constraint inactive, so that none is a barrier.
+  void deactivateAllConstraints() { activeConstraints.clear(); }
+  [[nodiscard]] bool allConstraintsActive() const { return activeConstraints.count == activeConstraints.capacity; }
+  /// Self-test of activeness and counts; raises "Check failed..." on a difference.
+  void check(const Dag& dag) const;
+
+  void addListener(DagListener* listener) { listeners.push_back(listener); }
+  void removeListener(DagListener* listener);
+
+  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues.list(r); }
+  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return constraintRankQueues.list(r); }
+  [[nodiscard]] std::span<const NodeId> currentDeferredNodes() const { return deferredNodes; }
+
+ private:
+  std::vector<std::uint32_t> rankCursors;  ///< how many entries of the rank's list have been evaluated
+  RankQueues rankQueues;                   ///< nodes that are no constraints
+  RankQueues constraintRankQueues;
+  Rank lowestRank = kNone;  ///< all queued nodes lie in [lowestRank, highestRank]
+  Rank highestRank = 0;
+  std::vector<NodeId> deferredNodes;      ///< changed nodes whose parents at later levels have not been told
+  std::vector<NodeId> nextDeferredNodes;  ///< the same for the stage after the running one
+  std::vector<DagListener*> listeners;
+
+  void enqueue(const Dag& dag, NodeId id);
+  void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
+  [[nodiscard]] bool evalConstraint(Dag& dag, NodeId id);
+  [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, Rank r);
+  void evaluateNodeQueue(Dag& dag, Rank r, Level from, Level to);
+  void nextStage(Level stage);
+  void commitNode(Dag& dag, NodeId id);
+  void noteLagging(const Dag& dag, NodeId id);
+  void endMove();
+};
+
+}  // namespace quvex

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+
+#include "solver/kernel/dag.h"
+#include "solver/kernel/nodeinner.h"
+#include "solver/kernel/subsetchoice.h"
+
+namespace quvex {
+
+/// A run of operands to be indexed by "at". It has no value: its cells stay 0, and bounds mean nothing. All it does is
+/// pass on that an element has changed; no move can be asked of it.
+class NodeArray : public NodeInner {
+ public:
+  [[nodiscard]] static Bounds computeBounds(const DagFixedFields&, NodeId) { return {}; }
+  [[nodiscard]] std::int64_t computeValue(const Dag&, NodeId) const final { return 0; }
+  [[nodiscard]] bool isInit(const Dag&, NodeId) const final { return true; }
+  void eval(Dag&, Propagation&, NodeId) final {}
+
+  bool pickDecrease(const Dag&, RandomState&, NodeId&, int&, NodeId) const final { return false; }
+  bool pickIncrease(const Dag&, RandomState&, NodeId&, int&, NodeId) const final { return false; }
+  bool pickChange(const Dag&, RandomState&, NodeId&, int&, NodeId) const final { return false; }
+
+  // What depends on the set of changed elements.
+  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override = 0;
+  void commit(Dag& dag, NodeId id) override = 0;
+  void rollback(Dag& dag, NodeId id) override = 0;
+  void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) override = 0;
+};
+
+/// An array has changed as soon as one element has, though its own cells never do. That is what wakes the nodes above.
+template <class Set>
+class NodeArrayTemplate final : public NodeArray {
+ public:
+  static inline const std::string kName = nameOver<Set>("quvex::NodeArrayTemplate");
+
+  explicit NodeArrayTemplate(std::uint32_t nbElements) : changedNodes(nbElements) {}
+
+  void init(Dag&, NodeId) override { changedNodes.clear(); }
+  [[nodiscard]] bool hasChanged(const Dag&, NodeId) const override { return !changedNodes.empty(); }
+  void commit(Dag&, NodeId) override { changedNodes.clear(); }
+  void rollback(Dag&, NodeId) override { changedNodes.clear(); }
+  void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) override {
+    changedNodes.add(position, fixed.nbChildren[id]);
+  }
+
+ private:
+  Set changedNodes;  ///< elements changed in the current move
+};
+
+}  // namespace quvex

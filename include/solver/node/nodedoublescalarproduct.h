@@ -1,0 +1,33 @@
+#pragma once
+
+#include "api/qvexception.h"
+#include "solver/node/doubleproductof.h"
+
+namespace quvex {
+
+/// "double_scalar_product": a constant factor times the product of operands of any kind, read as doubles. Zero
+/// times infinity is a failure.
+template <class Set>
+class NodeDoubleScalarProductTemplate final : public DoubleProductOf<Set, OneFactor<DoubleCells>> {
+ public:
+  static inline const std::string kName = nameOver<Set>("quvex::NodeDoubleScalarProductTemplate");
+
+  explicit NodeDoubleScalarProductTemplate(std::uint32_t nbOperands);
+
+  [[nodiscard]] double computeValue(const Dag& dag, NodeId id) const override {
+    const double product = this->total(dag.fixed, dag.nodeValue, id);
+    if (std::isnan(product)) raise<KernelException>(here<NodeDoubleScalarProductTemplate>(), this->kZeroTimesInfinity);
+    return product;
+  }
+  void eval(Dag& dag, Propagation&, NodeId id) override {
+    if (!this->evalProduct(dag, id)) raise<KernelException>(here<NodeDoubleScalarProductTemplate>(), this->kZeroTimesInfinity);
+  }
+
+  static Bounds computeBounds(const DagFixedFields& fixed, NodeId id) {
+    return scaleDoubleBounds(productOfOperandBounds<DoubleCells>(fixed, id), OneFactor<DoubleCells>::factor(fixed, id));
+  }
+};
+
+QUVEX_OVER_SUBSETS(extern template, NodeDoubleScalarProductTemplate);
+
+}  // namespace quvex

@@ -1,0 +1,300 @@
+#include "solver/kernel/propagation.h"
+
+#include <gtest/gtest.h>
+
+#include "solver/kernel/dag.h"
+#include "support/failure.h"
+#include "support/graphbuilder.h"
+
+namespace quvex {
+namespace {
+
+std::size_t nbQueued(const Dag& dag) {
+  std::size_t n = 0;
+  for (Rank r = 0; r < dag.fixed.nbRanks(); ++r) {
+    n += dag.propagation.queuedNodes(r).size() + dag.propagation.queuedConstraints(r).size();
+  }
+  return n;
+}
+
+bool isClean(const Dag& dag) {
+  for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
+    if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
+  }
+  const Propagation& propagation = dag.propagation;
+  return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
+         propagation.doneLevel == 0 && propagation.tentativeNbViolated == propagation.committedNbViolated &&
+         propagation.tentativeViolation == propagation.committedViolation;
+}
+
+TEST(Propagation, QueuesNothingForTheCommittedValue) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.minimise(graph.add(NodeType::Not, {x}));
+  Dag& dag = graph.build();
+  dag.propagation.setTentativeValue(dag, x, 0);
+  EXPECT_EQ(nbQueued(dag), 0U);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(nbQueued(dag), 0U);
+}
+
+TEST(Propagation, KeepsTheFirstOfTwoSetsInOneMove) {
+  GraphBuilder graph;
+  const NodeId i = graph.integer();
+  graph.minimise(i);
+  Dag& dag = graph.build();
+  dag.propagation.setTentativeValue(dag, i, 5);
+  dag.propagation.setTentativeValue(dag, i, 7);
+  EXPECT_EQ(dag.tentativeValue[i], 5);
+  EXPECT_EQ(dag.propagation.touchedDecisions, std::vector<NodeId>{i});
+  dag.propagation.rollbackAll(dag);
+}
+
+TEST(Propagation, RollsBackWholeAfterABrokenConstraint) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId y = graph.boolean();
+  const NodeId limit = graph.add(NodeType::Not, {x});
+  const NodeId deep = graph.add(NodeType::Or, {graph.add(NodeType::And, {x, y}), y});
+  graph.constraint(limit);
+  graph.constraint(graph.add(NodeType::Not, {deep}));
+  graph.minimise(deep);
+  Dag& dag = graph.build();
+  dag.propagation.activateAllConstraints();
+  dag.flip(x);
+  dag.flip(y);
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, TellsLaterParentsOnlyInTheirStage) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId constraint = graph.add(NodeType::Or, {x, graph.constant(1)});
+  const NodeId second = graph.add(NodeType::Not, {x});
+  graph.constraint(constraint);
+  graph.minimise(graph.constant(3));
+  graph.minimise(second);
+  Dag& dag = graph.build();
+  dag.flip(x);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_FALSE(dag.isDirty(second));
+  ASSERT_EQ(dag.propagation.currentDeferredNodes().size(), 1U);
+  EXPECT_EQ(dag.propagation.currentDeferredNodes()[0], x);
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_FALSE(dag.isDirty(second));
+  ASSERT_EQ(dag.propagation.currentDeferredNodes().size(), 1U);
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 2));
+  EXPECT_EQ(dag.tentativeValue[second], 0);
+  EXPECT_TRUE(dag.propagation.currentDeferredNodes().empty());
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isClean(dag));
+}
+
+TEST(Propagation, StopsAtANodeWhoseChangesCancel) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId y = graph.boolean();
+  const NodeId sum = graph.add(NodeType::Sum, {x, y});
+  const NodeId above = graph.add(NodeType::Abs, {sum});
+  graph.minimise(above);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x, 1}});
+  dag.flip(x);
+  dag.flip(y);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_TRUE(dag.isDirty(sum));
+  EXPECT_FALSE(dag.isDirty(above));
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, EvaluatesNothingForAStageAlreadyDone) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId objective = graph.add(NodeType::Not, {x});
+  graph.minimise(objective);
+  Dag& dag = graph.build();
+  dag.flip(x);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  dag.tentativeValue[objective] = 42;  // would be overwritten by an evaluation
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 0));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.tentativeValue[objective], 42);
+  dag.propagation.rollbackAll(dag);
+}
+
+TEST(Propagation, QueuesAParentOnceForBothItsPositions) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId sum = graph.add(NodeType::Sum, {x, x});
+  graph.minimise(sum);
+  Dag& dag = graph.build();
+  dag.flip(x);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.propagation.queuedNodes(1).size(), 1U);
+  EXPECT_EQ(dag.tentativeValue[sum], 2);  // both positions counted
+  dag.propagation.rollbackAll(dag);
+}
+
+/// x feeds objective 0 through `first` and objective 1 through `second`; only objective 0 is optimised.
+struct TwoLevels : testing::Test {
+  GraphBuilder graph;
+  NodeId x = graph.boolean();
+  NodeId first = graph.add(NodeType::Not, {x});
+  NodeId second = graph.add(NodeType::Sum, {x, x, x});
+  Dag* dag = nullptr;
+
+  void SetUp() override {
+    graph.minimise(first);
+    graph.minimise(second);
+    dag = &graph.build();
+    dag->setOptimizedLevel(1);
+  }
+};
+
+TEST_F(TwoLevels, LeavesHigherLevelsStaleUntilCatchUp) {
+  commitValues(*dag, {{x, 1}});
+  EXPECT_EQ(dag->nodeValue[first], 0);
+  EXPECT_EQ(dag->nodeValue[second], 0);
+  dag->propagation.catchUp(*dag);
+  EXPECT_EQ(dag->nodeValue[second], 3);
+  EXPECT_EQ(dag->nodeValue[x], 1);
+  EXPECT_TRUE(isClean(*dag));
+  EXPECT_TRUE(isWholeGraphInit(*dag));
+  dag->nodeValue[second] = dag->tentativeValue[second] = 9;
+  dag->propagation.catchUp(*dag);  // nothing lags: nothing is done
+  EXPECT_EQ(dag->nodeValue[second], 9);
+}
+
+TEST_F(TwoLevels, ForgetsANodeThatReturnsToTheValueLastSeen) {
+  commitValues(*dag, {{x, 1}});
+  EXPECT_TRUE(dag->propagation.laggingNodes.contains(x));
+  EXPECT_EQ(dag->propagation.laggingValues[x], 0);
+  commitValues(*dag, {{x, 0}});
+  EXPECT_TRUE(dag->propagation.laggingNodes.empty());
+}
+
+TEST(Propagation, EntersNoNodeThatDidNotChangeAmongTheLagging) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId y = graph.boolean();
+  const NodeId sum = graph.add(NodeType::Sum, {x, y});
+  graph.minimise(graph.add(NodeType::Abs, {sum}));
+  graph.minimise(graph.add(NodeType::Sum, {sum, sum}));
+  Dag& dag = graph.build();
+  dag.setOptimizedLevel(1);
+  commitValues(dag, {{x, 1}});
+  dag.propagation.catchUp(dag);
+  commitValues(dag, {{x, 0}, {y, 1}});
+  EXPECT_FALSE(dag.propagation.laggingNodes.contains(sum));
+}
+
+TEST(Propagation, BringsElementsOfAnArrayToTheLevelsThatLag) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId index = graph.boolean();
+  const NodeId array = graph.add(NodeType::Array, {x, index});
+  const NodeId first = graph.add(NodeType::At, {array, index});
+  const NodeId second = graph.add(NodeType::At, {array, graph.constant(0)});
+  graph.minimise(first);
+  graph.minimise(second);
+  Dag& dag = graph.build();
+  dag.setOptimizedLevel(1);
+  commitValues(dag, {{x, 1}});
+  commitValues(dag, {{index, 1}});
+  EXPECT_EQ(dag.nodeValue[second], 0);
+  dag.propagation.catchUp(dag);
+  EXPECT_EQ(dag.nodeValue[second], 1);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, CountsInactiveConstraintsThatAreFalse) {
+  GraphBuilder graph;
+  const auto x = graph.booleans(3);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  const NodeId atLeast = graph.add(NodeType::Geq, {sum, graph.constant(2)});
+  graph.constraint(atLeast);
+  graph.constraint(x[2]);
+  graph.minimise(sum);
+  Dag& dag = graph.build();
+  const Propagation& propagation = dag.propagation;
+  EXPECT_EQ(propagation.committedNbViolated, 2);
+  EXPECT_EQ(propagation.committedViolation, 3);
+  dag.flip(x[2]);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(propagation.tentativeNbViolated, 1);
+  EXPECT_EQ(propagation.tentativeViolation, 1);
+  dag.propagation.commitAll(dag);
+  EXPECT_EQ(propagation.committedNbViolated, 1);
+  EXPECT_FALSE(propagation.violatedConstraints.contains(1));
+  EXPECT_TRUE(propagation.violatedConstraints.contains(0));
+}
+
+TEST(Propagation, RefusesToActivateWhileSomethingIsViolated) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.constraint(x);
+  graph.minimise(graph.add(NodeType::Not, {x}));
+  Dag& dag = graph.build();
+  EXPECT_EQ(failureOf([&] { dag.propagation.activateAllConstraints(); }),
+            refusal("Propagation::activateAllConstraints", "One or more constraints are violated"));
+  EXPECT_TRUE(dag.propagation.activeConstraints.empty());
+  EXPECT_EQ(failureOf([&] { dag.propagation.activateConstraint(dag, x); }),
+            refusal("Propagation::activateConstraint", "Cannot activate a violated constraint with nodeId #0"));
+}
+
+TEST(Propagation, RefusesToActivateWhatIsNoConstraintBeforeReadingItsValue) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.minimise(x);
+  Dag& dag = graph.build();
+  EXPECT_EQ(failureOf([&] { dag.propagation.activateConstraint(dag, x); }),
+            refusal("Propagation::activateConstraint", "The given node is not a constraint"));
+}
+
+TEST(Propagation, StartsWithEverythingActiveWhenThereIsNoConstraint) {
+  GraphBuilder graph;
+  graph.minimise(graph.boolean());
+  const Dag& dag = graph.build();
+  EXPECT_TRUE(dag.propagation.allConstraintsActive());
+  EXPECT_EQ(dag.propagation.activeConstraints.capacity, 0U);
+}
+
+TEST(Propagation, ActivatesTheSatisfiedConstraintsAlone) {
+  GraphBuilder graph;
+  const auto x = graph.booleans(4);
+  for (const NodeId id : x) graph.constraint(id);
+  graph.minimise(graph.constant(0));
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[1], 1}, {x[3], 1}});
+  dag.propagation.activateSatisfiedConstraints(dag);
+  EXPECT_EQ(dag.propagation.activeConstraints.count, 2U);
+  EXPECT_TRUE(dag.propagation.activeConstraints.contains(1));
+  EXPECT_TRUE(dag.propagation.activeConstraints.contains(3));
+  dag.propagation.check(dag);
+}
+
+TEST(Propagation, FindsWrongCountersInItsSelfTest) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.constraint(x);
+  graph.minimise(graph.add(NodeType::Not, {x}));
+  Dag& dag = graph.build();
+  dag.propagation.committedNbViolated = 0;
+  EXPECT_EQ(failureOf([&] { dag.propagation.check(dag); }),
+            refusal("Propagation::check", "Check failed : number of violated constraints incorrect"));
+  dag.propagation.activateAllConstraints();
+  EXPECT_EQ(failureOf([&] { dag.propagation.check(dag); }),
+            refusal("Propagation::check", "Check failed: one or more active constraints are violated"));
+}
+
+}  // namespace
+}  // namespace quvex
