@@ -27,6 +27,7 @@ constexpr const char* kGreeting =
                                       search for 10 seconds, write the solution to a file
   quvex check model.qvm best.json     recompute the solution from scratch
   quvex info model.qvm                what the model is made of
+  quvex params                        the parameters of the search
 
 "quvex --help" lists all commands, "quvex solve --help" all flags of a command.
 )";
@@ -93,7 +94,9 @@ CLI::App* Application::addCommand(const std::string& name, const std::string& de
 void Application::addSolve() {
   CLI::App* solve = addCommand("solve", "Search for the best solution of a model");
   SolveOptions& o = solveOptions;
-  const auto atLeast = [](auto lowest) { return CLI::Range(lowest, std::numeric_limits<decltype(lowest)>::max()); };
+  // The texts tell the ranges already.
+  const auto range = [](auto lowest, auto highest) { return CLI::Range(lowest, highest).description(""); };
+  const auto atLeast = [&](auto lowest) { return range(lowest, std::numeric_limits<decltype(lowest)>::max()); };
   solve->add_option("MODEL", o.modelFile, "Saved environment: text or binary, plain or gzip")->required();
   solve->add_option("-t,--time", o.seconds, "Time limit in seconds; replaces the phases of the file")
       ->check(atLeast(1))
@@ -102,13 +105,13 @@ void Application::addSolve() {
       ->check(atLeast(std::int64_t{1}))
       ->type_name("N");
   solve->add_option("-j,--threads", o.threads, "Search threads, 1 to 1024 (default 2)")
-      ->check(CLI::Range(1, 1024))
+      ->check(range(1, 1024))
       ->type_name("N");
   solve->add_option("-s,--seed", o.seed, "Start of all random draws (default 0)")->check(atLeast(0))->type_name("N");
   solve->add_option("--annealing", o.annealing, "0 descends only; higher levels, up to 9, accept more (default 1)")
-      ->check(CLI::Range(0, 9))
+      ->check(range(0, 9))
       ->type_name("LEVEL");
-  solve->add_option("-p,--param", o.settings, "Advanced parameter, may be repeated; see \"quvex params\"")
+  solve->add_option("-p,--param", o.settings, "Advanced parameter, may be repeated; \"quvex params\" lists them")
       ->allow_extra_args(false)
       ->type_name("KEY=VALUE");
   solve->add_flag("--allow-unknown", o.allowUnknown, "Pass keys of -p that the solver does not read");
@@ -116,7 +119,7 @@ void Application::addSolve() {
       ->allow_extra_args(false)
       ->type_name("time=SEC,iterations=N,objective=I");
   solve->add_option("--every", o.every, "Seconds between two progress lines, 1 to 65535 (default 1)")
-      ->check(CLI::Range(1, 65535))
+      ->check(range(1, 65535))
       ->type_name("SEC");
   solve->add_option("-o,--output", o.outputFile, ".json or .sol: the solution; .qvm[.gz], .qvb[.gz]: everything")
       ->type_name("FILE");
@@ -126,7 +129,7 @@ void Application::addSolve() {
                                                          {"named", ShownValues::Named},
                                                          {"none", ShownValues::None}};
   solve->add_option("--values", o.shown, "Decisions in a textual result: all, nonzero, named or none (default all)")
-      ->transform(CLI::Transformer(shownWords))
+      ->transform(CLI::Transformer(shownWords).description(""))
       ->type_name("WHICH");
   CLI::Option* quiet = solve->add_flag("-q,--quiet", o.quiet, "No progress");
   solve->add_flag("-v,--verbose", o.verbose, "More progress: the compiled graph, and a table of moves")

@@ -1,4 +1,4 @@
-# One libFuzzer program per fuzz/<name>_fuzz.cpp; its corpus is fuzz/corpus/<name>/, which the tests replay everywhere.
+# One libFuzzer program per fuzz/<name>_fuzz.cpp. The corpora in fuzz/corpus/ are replayed by the tests everywhere.
 if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
   message(FATAL_ERROR "QUVEX_FUZZ needs clang: cmake --preset fuzz")
 endif()

@@ -63,8 +63,8 @@ class Quvex {
   [[nodiscard]] QVModel* getModel();  // rule: NotRunning
   [[nodiscard]] QVParam* getParam();  // rule: NotRunning
 
-  [[nodiscard]] int getNbPhases() const;        // rule: PausedOrStopped
-  [[nodiscard]] QVPhase* getPhase(int index);   // rule: PausedOrStopped
+  [[nodiscard]] int getNbPhases() const;       // rule: PausedOrStopped
+  [[nodiscard]] QVPhase* getPhase(int index);  // rule: PausedOrStopped
   /// Appends a phase without limits that optimises all objectives. Phases are never removed.
   QVPhase* createPhase();  // rule: StoppedOnly
 
@@ -92,7 +92,7 @@ class Quvex {
   /// Description of model, parameters and phases.
   [[nodiscard]] std::string toString() const;  // rule: NotRunning
   /// One line of progress: "[<seconds> sec, <iterations> itr]: <objectives>, <statistics>".
-  [[nodiscard]] std::string getInfo();  // rule: PausedOrStopped, once the solver has been started
+  [[nodiscard]] std::string getInfo() const;  // rule: PausedOrStopped, once the solver has been started
 
   /// Writes model, phases, parameters and solution to a file. Names that end in ".qvb" mean the binary format, all
   /// others the text format; a further ".gz" means gzip.
@@ -119,8 +119,7 @@ class Quvex {
   void resetStatistics();
   void clearSearch();
   void createSearch();
-  void createThreadSearch(std::size_t thread, const Solution& start, GreedySolution& greedy,
-                          std::uint32_t& seedState);
+  void createThreadSearch(std::size_t thread, const Solution& start, GreedySolution& greedy, std::uint32_t& seedState);
   void createDefaultPhase();
   void reportInconsistent() const;
   void describeSearch() const;
@@ -140,8 +139,8 @@ class Quvex {
   void updateResults(std::size_t index);
   void display();
 
-  [[nodiscard]] std::string objectivesToString();
-  [[nodiscard]] std::string resultToString();
+  [[nodiscard]] std::string objectivesToString() const;
+  [[nodiscard]] std::string resultToString() const;
 
   std::atomic<QVState> state{QVState::Modeling};
   std::atomic<bool> stopRequested{false};

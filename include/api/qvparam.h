@@ -53,11 +53,11 @@ class QVParam {
   [[nodiscard]] std::int64_t getObjectiveBound(int index) const;     // rule: PausedOrStopped
   [[nodiscard]] std::int64_t getIntObjectiveBound(int index) const;  // rule: PausedOrStopped
   /// The same for a double objective; infinities mean that there is no bound.
-  void setDoubleObjectiveBound(int index, double bound);         // rule: StoppedOnly
+  void setDoubleObjectiveBound(int index, double bound);          // rule: StoppedOnly
   [[nodiscard]] double getDoubleObjectiveBound(int index) const;  // rule: PausedOrStopped
 
   /// Any name may be stored; only what the system knows has an effect.
-  void setAdvancedParam(const std::string& key, int value);                          // rule: NotRunning
+  void setAdvancedParam(const std::string& key, int value);  // rule: NotRunning
   /// Fails unless the caller has set the key.
   [[nodiscard]] int getAdvancedParam(const std::string& key) const;                    // rule: PausedOrStopped
   [[nodiscard]] int getAdvancedParam(const std::string& key, int defaultValue) const;  // rule: PausedOrStopped

@@ -30,8 +30,8 @@ class QVPhase {
   [[nodiscard]] int getTimeLimit() const;  // rule: PausedOrStopped
 
   /// Iterations of each thread, at least 1. Default 9223372036854775807, which means no limit.
-  void setIterationLimit(std::int64_t iterationLimit);       // rule: StoppedOnly
-  [[nodiscard]] std::int64_t getIterationLimit() const;      // rule: PausedOrStopped
+  void setIterationLimit(std::int64_t iterationLimit);   // rule: StoppedOnly
+  [[nodiscard]] std::int64_t getIterationLimit() const;  // rule: PausedOrStopped
 
   /// Index of the last objective that counts in this phase; those before it matter more. Default: the last one.
   void setOptimizedObjective(int index);            // rule: StoppedOnly

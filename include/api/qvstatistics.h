@@ -23,12 +23,12 @@ class QVStatistics {
   [[nodiscard]] Quvex* getQuvex() const;  // rule: PausedOrStopped
 
   /// Seconds of search.
-  [[nodiscard]] int getRunningTime() const;                   // rule: PausedOrStopped
-  [[nodiscard]] std::int64_t getNbIterations() const;         // rule: PausedOrStopped
-  [[nodiscard]] std::int64_t getNbMoves() const;              // rule: PausedOrStopped
-  [[nodiscard]] std::int64_t getNbAcceptedMoves() const;      // rule: PausedOrStopped
-  [[nodiscard]] std::int64_t getNbImprovingMoves() const;     // rule: PausedOrStopped
-  [[nodiscard]] std::int64_t getNbInfeasibleMoves() const;    // rule: PausedOrStopped
+  [[nodiscard]] int getRunningTime() const;                 // rule: PausedOrStopped
+  [[nodiscard]] std::int64_t getNbIterations() const;       // rule: PausedOrStopped
+  [[nodiscard]] std::int64_t getNbMoves() const;            // rule: PausedOrStopped
+  [[nodiscard]] std::int64_t getNbAcceptedMoves() const;    // rule: PausedOrStopped
+  [[nodiscard]] std::int64_t getNbImprovingMoves() const;   // rule: PausedOrStopped
+  [[nodiscard]] std::int64_t getNbInfeasibleMoves() const;  // rule: PausedOrStopped
   /// Moves that were not accepted, infeasible ones among them.
   [[nodiscard]] std::int64_t getNbRejectedMoves() const;  // rule: PausedOrStopped
 

@@ -68,9 +68,9 @@ template <class Chain>
 std::unique_ptr<Move> makeChain(const Workplace& at, std::uint32_t k, std::uint32_t weight) {
   return std::make_unique<Chain>(k, weight, at.rate, at.structure);
 }
-template <class Fork, std::uint32_t nbForks>
+template <class Fork, std::uint32_t NbForks>
 std::unique_ptr<Move> makeFork(const Workplace& at, std::uint32_t k, std::uint32_t weight) {
-  return std::make_unique<Fork>(k, nbForks, weight, at.rate, at.structure);
+  return std::make_unique<Fork>(k, NbForks, weight, at.rate, at.structure);
 }
 
 constexpr MoveRow kMoveRows[] = {

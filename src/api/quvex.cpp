@@ -358,7 +358,7 @@ std::string Quvex::toString() const {
   return text.str();
 }
 
-std::string Quvex::getInfo() {
+std::string Quvex::getInfo() const {
   const Place place = here<Quvex>();
   if (!wasStarted()) {
     raise<QVException>(place, "This method cannot be called if the solver has not been started at least once.");
@@ -370,7 +370,7 @@ std::string Quvex::getInfo() {
   return text.str();
 }
 
-std::string Quvex::objectivesToString() {
+std::string Quvex::objectivesToString() const {
   const Solution& best = parallelizer->getBestHeuristic()->bestSolution;
   std::ostringstream text;
   if (best.nbViolated != 0) {
@@ -391,7 +391,7 @@ std::string Quvex::objectivesToString() {
   return text.str();
 }
 
-std::string Quvex::resultToString() {
+std::string Quvex::resultToString() const {
   std::ostringstream text;
   text << statistics->nbIterations << " iterations, " << statistics->nbMoves << " moves performed in "
        << statistics->runningTime << " seconds\n";

@@ -74,7 +74,7 @@ QVExpression* QVModel::createExpression(QVOperator op, QVExpression* expr0, QVEx
 }
 
 QVExpression* QVModel::createFrom(QVOperator op, std::initializer_list<QVExpression*> operands, const Place& place) {
-  static constexpr const char* kArguments[] = {"expr0", "expr1", "expr2"};
+  static constexpr std::array<const char*, 3> kArguments = {"expr0", "expr1", "expr2"};
   checkState(*owner, StateRule::ModelingOnly, place);
   checkCount("expressions", expressions.size(), place);
   if (op == QVOperator::Const) {
@@ -82,7 +82,7 @@ QVExpression* QVModel::createFrom(QVOperator op, std::initializer_list<QVExpress
   }
   int pos = 0;
   for (const QVExpression* operand : operands) {
-    checkExpr(*owner, operand, kArguments[pos], place);
+    checkExpr(*owner, operand, kArguments.at(static_cast<std::size_t>(pos)), place);
     checkTooMany(pos + 1, op, place);
     checkOperand(op, pos, *operand, place);
     ++pos;

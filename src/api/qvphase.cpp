@@ -3,9 +3,9 @@
 #include <sstream>
 
 #include "api/modelaccess.h"
+#include "api/quvex.h"
 #include "api/qvexception.h"
 #include "api/qvstatistics.h"
-#include "api/quvex.h"
 #include "api/statecheck.h"
 
 namespace quvex {

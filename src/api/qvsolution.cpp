@@ -168,9 +168,8 @@ QVSolutionStatus QVSolution::computeStatus() const {
 bool QVSolution::isInconsistent() const {
   const QVModel& model = *owner->getModel();
   const DagBuilder& builder = *ModelAccess::dagBuilder(model);
-  return std::ranges::any_of(ModelAccess::constraints(model), [&builder](const QVExpression* constraint) {
-    return builder.canNeverHold(constraint);
-  });
+  return std::ranges::any_of(ModelAccess::constraints(model),
+                             [&builder](const QVExpression* constraint) { return builder.canNeverHold(constraint); });
 }
 
 bool QVSolution::isOptimal() const {

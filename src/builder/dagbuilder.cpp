@@ -1,8 +1,8 @@
 #include "builder/dagbuilder.h"
 
 #include "api/modelaccess.h"
-#include "api/qvexception.h"
 #include "api/quvex.h"
+#include "api/qvexception.h"
 #include "api/qvparam.h"
 #include "api/qvsolution.h"
 #include "builder/preprocessor/preprocessor.h"
@@ -71,9 +71,7 @@ Dag& DagBuilder::getExtraDag(std::size_t index) {
   return *extraDags[index];
 }
 
-NodeId DagBuilder::getNode(const QVExpression* expression) const {
-  return exprToNode[ModelAccess::index(*expression)];
-}
+NodeId DagBuilder::getNode(const QVExpression* expression) const { return exprToNode[ModelAccess::index(*expression)]; }
 
 // Bounds.
 

@@ -187,46 +187,44 @@ Result functionEval(const Operands& operands) {
   return Result::real(Function(operands.real(0)));
 }
 
-Result powEval(const Operands& operands) {
-  return Result::real(MathDouble::pow(operands.real(0), operands.real(1)));
-}
+Result powEval(const Operands& operands) { return Result::real(MathDouble::pow(operands.real(0), operands.real(1))); }
 
 /// By operator number; null for the operators that `evaluate` refuses.
 constexpr std::array<Evaluator, OperatorTools::kNbOperators> kEvaluators = {
-    nullptr,                         // bool
-    nullptr,                         // const
-    sumEval,                         // sum
-    prodEval,                        // prod
-    maxEval,                         // max
-    minEval,                         // min
-    eqEval,                          // eq
-    neqEval,                         // neq
-    geqEval,                         // geq
-    leqEval,                         // leq
-    gtEval,                          // gt
-    ltEval,                          // lt
-    iifEval,                         // iif
-    notEval,                         // not
-    andEval,                         // and
-    orEval,                          // or
-    xorEval,                         // xor
-    absEval,                         // abs
-    distEval,                        // dist
-    divEval,                         // div
-    modEval,                         // mod
-    nullptr,                         // array
-    nullptr,                         // at
-    nullptr,                         // scalar
-    roundingEval<MathDouble::ceil>,  // ceil
-    roundingEval<MathDouble::floor>, // floor
-    roundingEval<MathDouble::round>, // round
-    functionEval<MathDouble::sqrt>,  // sqrt
-    functionEval<MathDouble::log>,   // log
-    functionEval<MathDouble::exp>,   // exp
-    powEval,                         // pow
-    functionEval<MathDouble::cos>,   // cos
-    functionEval<MathDouble::sin>,   // sin
-    functionEval<MathDouble::tan>,   // tan
+    nullptr,                          // bool
+    nullptr,                          // const
+    sumEval,                          // sum
+    prodEval,                         // prod
+    maxEval,                          // max
+    minEval,                          // min
+    eqEval,                           // eq
+    neqEval,                          // neq
+    geqEval,                          // geq
+    leqEval,                          // leq
+    gtEval,                           // gt
+    ltEval,                           // lt
+    iifEval,                          // iif
+    notEval,                          // not
+    andEval,                          // and
+    orEval,                           // or
+    xorEval,                          // xor
+    absEval,                          // abs
+    distEval,                         // dist
+    divEval,                          // div
+    modEval,                          // mod
+    nullptr,                          // array
+    nullptr,                          // at
+    nullptr,                          // scalar
+    roundingEval<MathDouble::ceil>,   // ceil
+    roundingEval<MathDouble::floor>,  // floor
+    roundingEval<MathDouble::round>,  // round
+    functionEval<MathDouble::sqrt>,   // sqrt
+    functionEval<MathDouble::log>,    // log
+    functionEval<MathDouble::exp>,    // exp
+    powEval,                          // pow
+    functionEval<MathDouble::cos>,    // cos
+    functionEval<MathDouble::sin>,    // sin
+    functionEval<MathDouble::tan>,    // tan
 };
 
 /// One element of an array.

@@ -39,7 +39,7 @@ void BinaryReader::next() {
     case Token::CachedString:
       return readCachedString();
     case Token::Integer8:
-      integer = readFixed<std::int8_t>();
+      integer = readFixed<std::int8_t>();  // NOLINT(bugprone-signed-char-misuse): a number, no character
       return;
     case Token::Integer16:
       integer = readFixed<std::int16_t>();

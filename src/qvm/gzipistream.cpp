@@ -14,8 +14,6 @@ GzipIstream::GzipIstream(const std::string& path) : gzFile(gzopen(path.c_str(), 
 
 GzipIstream::~GzipIstream() { gzclose(gzFile); }
 
-void GzipIstream::read(void* buffer, std::size_t count) { gzread(gzFile, buffer, static_cast<unsigned>(count)); }
-
 void GzipIstream::raiseEndOfFile(const Place& place) const {
   raise<KernelException>(place, "End-of-file of ", fileName, " reached");
 }

@@ -52,11 +52,12 @@ void TextReader::checkType(bool isOfKind, const char* kind) const {
 
 void TextReader::next() {
   token = Token::EndOfFile;
+  constexpr std::string_view kSeparators = ",=";
   std::optional<int> byte;
   do {
     skipSpace();
     byte = stream.tryGet();
-  } while (byte == ',' || byte == '=');
+  } while (byte && kSeparators.find(static_cast<char>(*byte)) != std::string_view::npos);
   if (byte) readTokenFrom(*byte);
 }
 

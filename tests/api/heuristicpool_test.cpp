@@ -65,24 +65,24 @@ void buildWithoutDecisions(QVModel& model) {
 
 TEST(HeuristicPool, FillsTheTableOfASlackSumInOrder) {
   EXPECT_EQ(movesOf(buildOneSlackSum, kTableOnly),
-            (Moves{"1-SimpleFlip 1",                                              //
-                   "1-Balance 4", "1-Swap 4", "1-Flip 8",                         //
-                   "2-Flip 8", "2-Path 6", "2-Cycle 2",                           //
-                   "3-Flip 2", "3-Path 6", "3-Cycle 4",                           //
+            (Moves{"1-SimpleFlip 1",                                                          //
+                   "1-Balance 4",     "1-Swap 4",        "1-Flip 8",                          //
+                   "2-Balance 2",     "2-Flip 8",        "2-Path 6",       "2-Cycle 2",       //
+                   "3-Flip 2",        "3-Path 6",        "3-Cycle 4",                         //
                    "3-2-ForkCycle 2", "3-3-ForkCycle 1", "3-2-ForkPath 1", "3-3-ForkPath 1",  //
-                   "4-Path 8", "4-Cycle 8",                                       //
-                   "5-Path 8", "5-Cycle 8",                                       //
-                   "6-Path 4", "6-Cycle 4",                                       //
-                   "7-Path 2", "7-Cycle 2",                                       //
-                   "8-Path 1", "8-Cycle 1"}));
+                   "4-Path 8",        "4-Cycle 8",                                            //
+                   "5-Path 8",        "5-Cycle 8",                                            //
+                   "6-Path 4",        "6-Cycle 4",                                            //
+                   "7-Path 2",        "7-Cycle 2",                                            //
+                   "8-Path 1",        "8-Cycle 1"}));
 }
 
 TEST(HeuristicPool, EqualitySumsBringRollsAndMirrorsAndTakeFlips) {
   const Moves moves = movesOf(buildTwoEqualities, {{"advancedMovesEnabled", 0}, {"neighborhoodSize", 3}});
-  EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1",                           //
-                          "1-Balance 4", "1-Swap 4",                  //
+  EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1",                                                  //
+                          "1-Balance 4", "1-Swap 4",                                         //
                           "2-Balance 2", "2-Swap 2", "2-Cycle 2", "2-Roll 8", "2-Mirror 8",  //
-                          "3-Swap 1", "3-Cycle 4", "3-2-ForkCycle 2", "3-3-ForkCycle 1"}));
+                          "3-Balance 1", "3-Swap 1", "3-Cycle 4", "3-2-ForkCycle 2", "3-3-ForkCycle 1"}));
 }
 
 TEST(HeuristicPool, SimpleFlipIsAlwaysThere) {
@@ -109,10 +109,10 @@ TEST(HeuristicPool, SizesBeyondTheTableAddNothing) {
 
 TEST(HeuristicPool, EverySwitchTakesItsMovesOut) {
   const std::map<std::string, std::string> words = {
-      {"moveBalanceEnabled", "-Balance"},     {"moveSwapEnabled", "-Swap"},
-      {"moveFlipEnabled", "-Flip"},           {"movePathEnabled", "-Path"},
-      {"moveCycleEnabled", "-Cycle"},         {"moveForkCycleEnabled", "-ForkCycle"},
-      {"moveForkPathEnabled", "-ForkPath"},   {"moveSequenceEnabled", "-MoveSequence"},
+      {"moveBalanceEnabled", "-Balance"},   {"moveSwapEnabled", "-Swap"},
+      {"moveFlipEnabled", "-Flip"},         {"movePathEnabled", "-Path"},
+      {"moveCycleEnabled", "-Cycle"},       {"moveForkCycleEnabled", "-ForkCycle"},
+      {"moveForkPathEnabled", "-ForkPath"}, {"moveSequenceEnabled", "-MoveSequence"},
   };
   const Moves all = movesOf(buildOneSlackSum, {});
   for (const auto& [key, word] : words) {
@@ -124,9 +124,7 @@ TEST(HeuristicPool, EverySwitchTakesItsMovesOut) {
     EXPECT_EQ(movesOf(buildOneSlackSum, {{key, 0}}), expected) << key;
   }
   for (const char* key : {"moveRollEnabled", "moveMirrorEnabled"}) {
-    EXPECT_EQ(movesOf(buildTwoEqualities, {{key, 0}}).size() + 1,
-              movesOf(buildTwoEqualities, {}).size())
-        << key;
+    EXPECT_EQ(movesOf(buildTwoEqualities, {{key, 0}}).size() + 1, movesOf(buildTwoEqualities, {}).size()) << key;
   }
 }
 
@@ -147,23 +145,35 @@ TEST(HeuristicPool, AnnealingLevelSelectsTheHeuristic) {
   }
 }
 
-TEST(HeuristicPool, RatesAboveAHundredAreRefusedBySequences) {
+TEST(HeuristicPool, TargetingLevelsAboveTenAreRefusedByTheMoves) {
+  const std::string text = "Targeting rate must be smaller than 100.";
   EXPECT_EQ(failureOf([] { movesOf(buildOneSlackSum, {{"targetingLevel", 10}}); }), "no failure");
-  EXPECT_EQ(failureOf([] { movesOf(buildOneSlackSum, {{"targetingLevel", 11}}); }),
-            refusal("MoveSequence::MoveSequence", "Targeting rate must be smaller than 100."));
+  EXPECT_EQ(failureOf([] {
+              movesOf(buildOneSlackSum, {{"targetingLevel", 11}});
+            }),
+            refusal("MoveKFlip::MoveKFlip", text));
+  EXPECT_EQ(failureOf([] {
+              movesOf(buildOneSlackSum, {{"targetingLevel", 11}, {"neighborhoodSize", 0}});
+            }),
+            refusal("MoveSequence::MoveSequence", text));
 }
 
 TEST(HeuristicPool, WithoutDecisionsEveryIterationIsInfeasible) {
   Quvex quvex;
   QVModel& model = *quvex.getModel();
-  // The bound is out of reach: the objective is folded to a constant by compilation only.
-  model.addObjective(model.createExpression(QVOperator::Sum, model.createConstant(2), model.createConstant(3)),
+  // The bounds of a cosine are -1 and 1, whatever its operand: the search goes on.
+  model.addObjective(model.createExpression(QVOperator::Cos, model.createConstant(1.0)),
                      QVObjectiveDirection::Maximize);
+  quvex.getParam()->setAdvancedParam("preprocessEnabled", 0);
   quvex.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
   closeQuietly(quvex, 20);
   quvex.solve();
-  const Move& flip = *ApiPeer::heuristic(quvex, 0).moves.front();
-  EXPECT_EQ(flip.nbAttempted, flip.nbInfeasibles);
+  std::uint32_t nbAttempted = 0;
+  for (const auto& move : ApiPeer::heuristic(quvex, 0).moves) {
+    nbAttempted += move->nbAttempted;
+    EXPECT_EQ(move->nbInfeasibles, move->nbAttempted) << move->name;
+  }
+  EXPECT_EQ(nbAttempted, 20U);
 }
 
 }  // namespace

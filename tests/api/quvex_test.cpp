@@ -166,11 +166,9 @@ TEST(Quvex, EnvironmentsAreLoadedIntoAnEmptyOpenModelOnly) {
   Quvex quvex;
   (void)quvex.getModel()->createConstant(1);
   EXPECT_EQ(failureOf([&] { quvex.loadEnvironment("any.qvm"); }),
-            refusal("Quvex::loadEnvironment",
-                    "Cannot load the given environment. The current model must be empty."));
+            refusal("Quvex::loadEnvironment", "Cannot load the given environment. The current model must be empty."));
   closeTrivialModel(quvex);
-  EXPECT_EQ(failureOf([&] { quvex.loadEnvironment("any.qvm"); }),
-            refusal("Quvex::loadEnvironment", kModelingOnlyText));
+  EXPECT_EQ(failureOf([&] { quvex.loadEnvironment("any.qvm"); }), refusal("Quvex::loadEnvironment", kModelingOnlyText));
 }
 
 TEST(Quvex, EnvironmentsAreRecognisedByTheirFirstBytes) {

@@ -63,7 +63,8 @@ TEST(QVExpression, KeepsAnyNumberOfOperandsInOrder) {
     expected.push_back(m.decision());
     sum->addOperand(expected.back());
     ASSERT_EQ(sum->getNbOperands(), i + 1);
-    for (int pos = 0; pos <= i; ++pos) ASSERT_EQ(sum->getOperand(pos), expected[pos]);
+    int pos = 0;
+    for (const QVExpression* operand : expected) ASSERT_EQ(sum->getOperand(pos++), operand);
   }
   EXPECT_EQ(m.model->getNbOperands(), 100);
   EXPECT_EQ(ModelAccess::operandIndices(*sum).size(), 100U);

@@ -451,11 +451,11 @@ TEST(QVModel, TakesSharedOperandsForNoCycle) {
 
 TEST(QVModel, ClosesADeepModelWithoutRecursion) {
   OpenModel m;
-  constexpr int kDepth = 200000;
+  constexpr std::size_t kDepth = 200000;
   std::vector<QVExpression*> chain(kDepth);
   // Created from the outside to the inside, so that every walk in index order starts at the far end.
   for (QVExpression*& link : chain) link = m.make(QVOperator::Not);
-  for (int i = 0; i + 1 < kDepth; ++i) chain[i]->addOperand(chain[i + 1]);
+  for (std::size_t i = 0; i + 1 < kDepth; ++i) chain[i]->addOperand(chain[i + 1]);
   chain.back()->addOperand(m.decision());
   m.minimize(chain.front());
   m.model->close();

@@ -48,9 +48,9 @@ TEST_F(QVParamOfClosedModel, KeepsTimeBetweenDisplaysInItsRange) {
   EXPECT_EQ(param.getTimeBetweenDisplays(), 65535);
   EXPECT_EQ(failureOf([&] { param.setTimeBetweenDisplays(65536); }),
             refusal("QVParam::setTimeBetweenDisplays", "The time between displays cannot exceed 65535."));
-  EXPECT_EQ(failureOf([&] { param.setTimeBetweenDisplays(0); }),
-            refusal("QVParam::setTimeBetweenDisplays",
-                    "Argument timeBetweenDisplays must be a strictly positive number."));
+  EXPECT_EQ(
+      failureOf([&] { param.setTimeBetweenDisplays(0); }),
+      refusal("QVParam::setTimeBetweenDisplays", "Argument timeBetweenDisplays must be a strictly positive number."));
   EXPECT_EQ(param.getTimeBetweenDisplays(), 65535);
 }
 

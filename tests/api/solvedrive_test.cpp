@@ -44,8 +44,8 @@ void buildEndlessModel(QVModel& model) {
   QVExpression* opposite = model.createExpression(QVOperator::Not, x[0]);
   QVExpression* sum = model.createExpression(QVOperator::Sum, x[0], opposite);
   sum->addOperand(model.createExpression(QVOperator::And, x[1], x[2]));
-  model.addConstraint(model.createExpression(
-      QVOperator::Leq, model.createExpression(QVOperator::Sum, x[1], x[2]), model.createConstant(1)));
+  model.addConstraint(model.createExpression(QVOperator::Leq, model.createExpression(QVOperator::Sum, x[1], x[2]),
+                                             model.createConstant(1)));
   model.addObjective(sum, QVObjectiveDirection::Maximize);
 }
 
@@ -55,8 +55,8 @@ std::string resultOf(Quvex& quvex, const std::vector<QVExpression*>& decisions) 
   for (const QVExpression* decision : decisions) text << decision->getValue();
   const QVStatistics& statistics = *quvex.getStatistics();
   text << "\n"
-       << statistics.getNbIterations() << " " << statistics.getNbMoves() << " " << statistics.getNbAcceptedMoves() << " "
-       << statistics.getNbImprovingMoves() << " " << statistics.getNbInfeasibleMoves() << "\n";
+       << statistics.getNbIterations() << " " << statistics.getNbMoves() << " " << statistics.getNbAcceptedMoves()
+       << " " << statistics.getNbImprovingMoves() << " " << statistics.getNbInfeasibleMoves() << "\n";
   for (std::size_t t = 0; t < ApiPeer::nbPools(quvex); ++t) ApiPeer::heuristic(quvex, t).printMoveTable(text);
   return text.str();
 }
@@ -283,8 +283,9 @@ TEST(SolveDrive, AnInconsistentModelIsReportedWithoutASearch) {
   }
   EXPECT_EQ(quvex.getState(), QVState::Stopped);
   EXPECT_EQ(quvex.getNbPhases(), 0);
-  EXPECT_EQ(failureOf([&] { (void)quvex.getInfo(); }),
-            refusal("Quvex::getInfo", "This method cannot be called if the solver has not been started at least once."));
+  EXPECT_EQ(
+      failureOf([&] { (void)quvex.getInfo(); }),
+      refusal("Quvex::getInfo", "This method cannot be called if the solver has not been started at least once."));
 }
 
 // ------------------------------------------------------------------------------------------------------------- phases
@@ -463,15 +464,16 @@ TEST_F(SolveDriveOfPhases, StopFromAnotherThreadDuringADisplayReturnsAndEndsTheS
 
 // ----------------------------------------------------------------------------------------------------------- failures
 
-/// 100 / (number of decisions set), which the search drives toward its division by zero.
-void buildFailingModel(Quvex& quvex) {
+/// 100 / (2 - number of decisions set), which the search drives toward its division by zero.
+std::vector<QVExpression*> buildFailingModel(Quvex& quvex) {
   QVModel& model = *quvex.getModel();
   const auto x = createDecisions(model, 2);
-  QVExpression* sum = model.createExpression(QVOperator::Sum, x[0], x[1]);
-  model.addObjective(model.createExpression(QVOperator::Div, model.createConstant(100), sum),
+  QVExpression* divisor = weightedSum(model, x, {-1, -1});
+  divisor->addOperand(2);
+  model.addObjective(model.createExpression(QVOperator::Div, model.createConstant(100), divisor),
                      QVObjectiveDirection::Maximize);
   closeQuietly(quvex, 100000, 2);
-  for (QVExpression* decision : x) decision->setValue(1);
+  return x;
 }
 
 TEST(SolveDrive, AFailureOnASearchThreadReachesTheCaller) {
@@ -489,8 +491,7 @@ TEST(SolveDrive, AFailureOnASearchThreadReachesTheCaller) {
 
 TEST(SolveDrive, AFailureAtTheStartLeavesNoHalfSearch) {
   Quvex quvex;
-  buildFailingModel(quvex);
-  quvex.getSolution()->clear();
+  for (QVExpression* decision : buildFailingModel(quvex)) decision->setValue(1);
   EXPECT_EQ(failureOf([&] { quvex.solve(); }).explanation, "Division by zero.");
   EXPECT_EQ(quvex.getState(), QVState::Stopped);
   EXPECT_FALSE(ApiPeer::wasStarted(quvex));

@@ -1,16 +1,16 @@
 #include "builder/evaluatortools.h"
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <limits>
 #include <ostream>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "api/modelaccess.h"
 #include "builder/operatortools.h"
 #include "support/failure.h"
-#include "support/smallmodel.h"
+#include "support/openmodel.h"
 
 namespace quvex {
 namespace {
@@ -118,7 +118,9 @@ TEST(EvaluatorTools, DistanceIsSymmetric) {
   EXPECT_EQ(eval(QVOperator::Dist, {3, 8}), 5);
   EXPECT_EQ(eval(QVOperator::Dist, {8, 3}), 5);
   EXPECT_EQ(eval(QVOperator::Dist, {8, 3.5}), 4.5);
-  EXPECT_EQ(explanationOf([] { eval(QVOperator::Dist, {kInfinity, kInfinity}); }),
+  EXPECT_EQ(explanationOf([] {
+              eval(QVOperator::Dist, {kInfinity, kInfinity});
+            }),
             "Cannot compute distance between two infinities");
 }
 
@@ -192,9 +194,7 @@ TEST(EvaluatorTools, RoundingsGiveIntegers) {
   EXPECT_EQ(eval(QVOperator::Round, {2.4999995}), 3);
 }
 
-TEST(EvaluatorTools, RoundingsReadTheWordAsItIs) {
-  EXPECT_EQ(eval(QVOperator::Floor, {doubleToWord(2.5)}), 2);
-}
+TEST(EvaluatorTools, RoundingsReadTheWordAsItIs) { EXPECT_EQ(eval(QVOperator::Floor, {doubleToWord(2.5)}), 2); }
 
 TEST(EvaluatorTools, FunctionsConvertTheirOperands) {
   EXPECT_EQ(eval(QVOperator::Sqrt, {9}), 3.0);
@@ -219,7 +219,7 @@ TEST(EvaluatorTools, RefusesOperatorsWithoutAValueOfTheirOwn) {
 }
 
 /// A model whose expressions can be evaluated by hand.
-struct ArrayModel : SmallModel {
+struct ArrayModel : OpenModel {
   [[nodiscard]] std::vector<t_value> constantValues() const {
     std::vector<t_value> values;
     for (const QVExpression* expr : ModelAccess::expressions(*model)) {
@@ -258,17 +258,16 @@ TEST(EvaluatorTools, ConvertsAnElementOfAnArrayWithDoubles) {
 TEST(EvaluatorTools, RefusesAnIndexOutsideTheArray) {
   ArrayModel m;
   QVExpression* array = m.make(QVOperator::Array, m.decision(), 5);
-  QVExpression* low = m.make(QVOperator::At, array, m.make(QVOperator::Sum, m.decision(), -1));
+  QVExpression* at = m.make(QVOperator::At, array, m.make(QVOperator::Sum, m.decision(), 0));
   m.close();
   std::vector<t_value> values = m.constantValues();
-  const auto index = static_cast<std::size_t>(low->getOperand(1)->getIndex());
+  const auto index = static_cast<std::size_t>(at->getOperand(1)->getIndex());
   for (const t_value outside : {t_value{-1}, t_value{2}, kLowestInt}) {
     values[index] = outside;
     Value result;
-    const Failure failure =
-        failureOf([&] { EvaluatorTools::atEval(low, values, result.type, result.word); });
-    EXPECT_EQ(failure.explanation, "Index out of bounds for " + low->toString() + " (index: " +
-                                       std::to_string(outside) + ", array size: 2).");
+    const Failure failure = failureOf([&] { EvaluatorTools::atEval(at, values, result.type, result.word); });
+    EXPECT_EQ(failure.explanation, "Index out of bounds for " + at->toString() + " (index: " + std::to_string(outside) +
+                                       ", array size: 2).");
     EXPECT_EQ(failure.function, "quvex::EvaluatorTools::atEval");
   }
 }

@@ -296,7 +296,10 @@ void buildRandomEnvironment(Quvex& quvex, std::uint32_t& state) {
     booleans.push_back(model.createExpression(QVOperator::Leq, any(numbers), any(numbers)));
     if (coin(state)) booleans.back()->setName("name \"" + std::to_string(i) + "\" \\ of more than 25 bytes");
   }
-  for (int i = 0; i < 3; ++i) model.addConstraint(any(booleans));
+  // A decision on each constraint's side keeps the model consistent: others are not saved.
+  for (int i = 0; i < 3; ++i) {
+    model.addConstraint(model.createExpression(QVOperator::Or, booleans[rand(state, 8)], any(booleans)));
+  }
   for (int i = 0; i < 3; ++i) {
     model.addObjective(any(numbers), coin(state) ? QVObjectiveDirection::Maximize : QVObjectiveDirection::Minimize);
   }
@@ -314,13 +317,10 @@ void buildRandomEnvironment(Quvex& quvex, std::uint32_t& state) {
 }
 
 TEST(ModelReader, CarriesRandomEnvironmentsThroughAllFourForms) {
-  int nbSaved = 0;
   for (std::uint32_t seed = 1; seed <= 30; ++seed) {
     std::uint32_t state = seed * 7919;
     Quvex source;
     buildRandomEnvironment(source, state);
-    if (source.getSolution()->getStatus() == QVSolutionStatus::Inconsistent) continue;
-    ++nbSaved;
     const TempFile first(".qvm");
     ModelWriter(*source.getModel(), first.name()).write();
     const std::string expected = first.content();
@@ -335,7 +335,6 @@ TEST(ModelReader, CarriesRandomEnvironmentsThroughAllFourForms) {
     }
     EXPECT_EQ(files.back()->content(), expected) << "seed " << seed;
   }
-  EXPECT_GT(nbSaved, 5);
 }
 
 TEST(ModelReader, ReportsACutFileOrReadsAShorterModel) {

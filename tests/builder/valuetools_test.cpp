@@ -1,8 +1,8 @@
 #include "builder/valuetools.h"
 
-#include <limits>
-
 #include <gtest/gtest.h>
+
+#include <limits>
 
 #include "support/failure.h"
 

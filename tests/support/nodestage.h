@@ -61,10 +61,10 @@ class OperandSpy final : public Node {
 /// 'd' double.
 class NodeStage {
  public:
-  NodeStage(NodeType type, const std::string& operandKinds) {
+  NodeStage(NodeType type, const std::string& operandKinds, const std::vector<t_value>& constants = {}) {
     std::vector<NodeId> operands;
     for (const char kind : operandKinds) operands.push_back(addOperand(kind));
-    id = fixed.addNode(type, operands);
+    id = fixed.addNode(type, operands, constants);
     fixed.init();
     dag = std::make_unique<Dag>(fixed);
     for (NodeId operand : operands) {

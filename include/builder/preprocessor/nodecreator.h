@@ -43,11 +43,11 @@ class NodeCreator : public NodeCreatorBase {
 
   /// A group in the making. It stays open while nodes that it needs are made, and goes on where it stopped.
   struct OpenGroup : FlattenResult {
-    std::vector<Term> pending;        ///< the next one is on top
-    bool awaitsNode = false;          ///< the top of `pending` has been found to need a node of its own
-    bool isDouble = false;            ///< of a "scalar": its arithmetic is double
-    NodeId firstFactor = kNone;       ///< of a "scalar": the node of a's element that waits for b's
-    std::vector<NodeId> products;     ///< of a "scalar" without a constant side
+    std::vector<Term> pending;     ///< the next one is on top
+    bool awaitsNode = false;       ///< the top of `pending` has been found to need a node of its own
+    bool isDouble = false;         ///< of a "scalar": its arithmetic is double
+    NodeId firstFactor = kNone;    ///< of a "scalar": the node of a's element that waits for b's
+    std::vector<NodeId> products;  ///< of a "scalar" without a constant side
 
     void reset(ExprId root);
   };

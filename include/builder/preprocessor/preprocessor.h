@@ -51,9 +51,7 @@ class Preprocessor {
   [[nodiscard]] const QVExpression& expression(ExprId e) const { return *ModelAccess::expression(model, e); }
   [[nodiscard]] QVOperator op(ExprId e) const { return ModelAccess::op(expression(e)); }
   [[nodiscard]] ValueType type(ExprId e) const { return ModelAccess::valueType(expression(e)); }
-  [[nodiscard]] std::span<const ExprId> operands(ExprId e) const {
-    return ModelAccess::operandIndices(expression(e));
-  }
+  [[nodiscard]] std::span<const ExprId> operands(ExprId e) const { return ModelAccess::operandIndices(expression(e)); }
   [[nodiscard]] bool hasNode(ExprId e) const { return exprToNode[e] != kNone; }
   [[nodiscard]] bool isDouble(ExprId e) const { return type(e) == kDouble; }
   /// Whether every one of the operands is constant; so it is for no operands.

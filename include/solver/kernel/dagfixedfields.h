@@ -17,6 +17,21 @@ struct ParentLink {
   OperandPos childPos;
 };
 
+/// Where a node's parents lie in `DagFixedFields::parents`, and how many of them have which level.
+class ParentRun {
+ public:
+  explicit ParentRun(const std::uint32_t* runRow) : row(runRow) {}
+
+  /// First entry; 0 for a node without parents.
+  [[nodiscard]] std::uint32_t start() const { return row[0]; }
+  /// Length of the prefix that holds the parents of level `k` or lower; at `k` equal to the number of objectives, of
+  /// the whole run.
+  [[nodiscard]] std::uint32_t count(Level k) const { return row[1 + k]; }
+
+ private:
+  const std::uint32_t* row;
+};
+
 /// The immutable description of a compiled model, shared by all threads.
 /// Filled by one `addNode` per node, operands before users, and closed by one `init`; after that nothing changes.
 /// Arrays are indexed by node id unless told otherwise; operands and parents are compressed rows.
@@ -80,13 +95,9 @@ class DagFixedFields {
     return {constantValues.data() + constantStart[id], constantCounts[id]};
   }
 
-  /// First entry of the node's run in `parents`; 0 for a node without parents.
-  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentRuns[std::size_t{id} * runStride]; }
-  /// Length of the prefix of the parent run that holds the parents of level `k` or lower; at `k` equal to the number
-  /// of objectives, of the whole run.
-  [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const {
-    return parentRuns[std::size_t{id} * runStride + 1 + k];
-  }
+  [[nodiscard]] ParentRun parentRun(NodeId id) const { return ParentRun(parentRuns.data() + id * runStride); }
+  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentRun(id).start(); }
+  [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const { return parentRun(id).count(k); }
   [[nodiscard]] std::uint32_t parentCount(NodeId id) const { return parentCountByLevel(nbObjectives(), id); }
   [[nodiscard]] std::span<const ParentLink> parentsOf(NodeId id) const {
     return {parents.data() + parentStart(id), parentCount(id)};
@@ -122,7 +133,7 @@ class DagFixedFields {
   void listDecisions();
   void computeLevels();
   void sortParentsByLevel();
-  std::uint32_t& parentCountCell(Level k, NodeId id) { return parentRuns[std::size_t{id} * runStride + 1 + k]; }
+  std::uint32_t& parentCountCell(Level k, NodeId id) { return parentRuns[id * runStride + 1 + k]; }
 };
 
 }  // namespace quvex

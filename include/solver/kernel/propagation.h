@@ -13,24 +13,28 @@ namespace quvex {
 class Dag;
 class DagFixedFields;
 
-/// Node ids queued in the current move, one list per rank, in arrival order. A rank's entries need no sorting among
-/// themselves, so plain lists beat a heap. All lists lie in one array; a list has room for every node it may ever hold,
-/// because the dirty bit lets a node in only once.
+/// Place of a queue in `RankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are the
+/// order of evaluation.
+using QueueSlot = std::uint32_t;
+
+/// Node ids queued in the current move, two lists per rank, in arrival order. A rank's entries need no sorting among
+/// themselves, so plain lists beat a heap. All lists lie in one array; a list has room for every node that it may ever
+/// hold, because the dirty bit lets a node in only once.
 class RankQueues {
  public:
-  /// `capacities[r]` is the number of nodes that may be queued at rank `r`.
-  void init(std::span<const std::uint32_t> capacities);
+  /// One list per slot, from the slot of each node.
+  void init(std::uint32_t nbSlots, std::span<const QueueSlot> slotOfNode);
 
-  void push(Rank r, NodeId id) { entries[start[r] + sizes[r]++] = id; }
-  [[nodiscard]] std::uint32_t size(Rank r) const { return sizes[r]; }
-  [[nodiscard]] NodeId at(Rank r, std::uint32_t i) const { return entries[start[r] + i]; }
-  [[nodiscard]] std::span<const NodeId> list(Rank r) const { return {entries.data() + start[r], sizes[r]}; }
-  void clear(Rank r) { sizes[r] = 0; }
+  void push(QueueSlot slot, NodeId id) { entries[ends[slot]++] = id; }
+  [[nodiscard]] std::span<const NodeId> list(QueueSlot slot) const {
+    return {entries.data() + starts[slot], ends[slot] - starts[slot]};
+  }
+  void clear(QueueSlot slot) { ends[slot] = starts[slot]; }
 
  private:
   std::vector<NodeId> entries;
-  std::vector<std::uint32_t> start;
-  std::vector<std::uint32_t> sizes;
+  std::vector<std::uint32_t> starts;
+  std::vector<std::uint32_t> ends;
 };
 
 /// The evaluation driver of one `Dag`, and its treatment of constraints.
@@ -91,27 +95,28 @@ class Propagation {
   void addListener(DagListener* listener) { listeners.push_back(listener); }
   void removeListener(DagListener* listener);
 
-  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues.list(r); }
-  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return constraintRankQueues.list(r); }
+  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues.list(2 * r + 1); }
+  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues.list(2 * r); }
   [[nodiscard]] std::span<const NodeId> currentDeferredNodes() const { return deferredNodes; }
 
  private:
-  std::vector<std::uint32_t> rankCursors;  ///< how many entries of the rank's list have been evaluated
-  RankQueues rankQueues;                   ///< nodes that are no constraints
-  RankQueues constraintRankQueues;
-  Rank lowestRank = kNone;  ///< all queued nodes lie in [lowestRank, highestRank]
-  Rank highestRank = 0;
+  RankQueues rankQueues;
+  std::vector<QueueSlot> slotOfNode;
+  std::vector<std::uint32_t> rankCursors;  ///< by slot: how many entries have been evaluated
+  QueueSlot lowestSlot = kNone;            ///< all queued nodes lie in [lowestSlot, highestSlot]
+  QueueSlot highestSlot = 0;
   std::vector<NodeId> deferredNodes;      ///< changed nodes whose parents at later levels have not been told
   std::vector<NodeId> nextDeferredNodes;  ///< the same for the stage after the running one
   std::vector<DagListener*> listeners;
 
-  void enqueue(const Dag& dag, NodeId id);
+  void enqueue(NodeId id);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
   [[nodiscard]] bool evalConstraint(Dag& dag, NodeId id);
-  [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, Rank r);
-  void evaluateNodeQueue(Dag& dag, Rank r, Level from, Level to);
+  [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, QueueSlot slot);
+  void evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to);
   void nextStage(Level stage);
   void commitNode(Dag& dag, NodeId id);
+  void commitConstraint(const Dag& dag, NodeId id);
   void noteLagging(const Dag& dag, NodeId id);
   void endMove();
 };

@@ -11,8 +11,8 @@ namespace quvex {
 /// A set of operand positions as a permutation with a cut, for operators with very many operands of which few change
 /// per move: emptying is one store, and a walk visits the members alone.
 ///
-/// Invariant: `places` is the inverse of the permutation, and the members are exactly its first `count` entries. Members
-/// are walked in permutation order, that is, in order of insertion disturbed by removals. Emptying keeps the
+/// Invariant: `places` is the inverse of the permutation, and the members are exactly its first `count` entries.
+/// Members are walked in permutation order, that is, in order of insertion disturbed by removals. Emptying keeps the
 /// permutation as it is.
 template <class T>
 class Subset : public SubsetBase<Subset<T>> {
@@ -62,8 +62,8 @@ class Subset : public SubsetBase<Subset<T>> {
     }
   }
 
-  /// Removes the members that `qualifies` accepts, looked through from the first one up. A removal swaps the last member
-  /// into the place just looked at, so that place is looked at again.
+  /// Removes the members that `qualifies` accepts, looked through from the first one up. A removal swaps the last
+  /// member into the place just looked at, so that place is looked at again.
   template <class Qualifies>
   void removeIf(std::uint32_t n, Qualifies qualifies) {
     for (std::uint32_t k = 0; k < count;) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <ostream>
 
@@ -45,7 +46,7 @@ class SubsetBase {
   /// without emptying first: the order of a permutation, and with it later random picks, depends on this.
   template <class Belongs>
   void assign(std::uint32_t n, Belongs belongs) {
-    for (OperandPos p = 0; p < n; ++p) set(p, n, belongs(p));
+    for (OperandPos p = 0; p < n; ++p) self().set(p, n, belongs(p));
   }
 
   /// Whether the set holds exactly the positions that `belongs` accepts.

@@ -10,8 +10,8 @@ namespace quvex {
 
 /// A set of operand positions as an array of bits, for operators with some hundred operands.
 ///
-/// Invariant: bit p mod 64 of word p / 64 is set exactly when position p is a member, bits beyond the operand count stay
-/// clear, and `count` is the number of set bits. Members are walked in ascending order, scanning all words.
+/// Invariant: bit p mod 64 of word p / 64 is set exactly when position p is a member, bits beyond the operand count
+/// stay clear, and `count` is the number of set bits. Members are walked in ascending order, scanning all words.
 class SubsetBits : public SubsetBase<SubsetBits> {
  public:
   static constexpr const char* kName = "quvex::SubsetBits";
@@ -29,6 +29,12 @@ class SubsetBits : public SubsetBase<SubsetBits> {
     std::uint64_t& word = words[p / 64];
     count -= static_cast<std::uint32_t>(word >> (p % 64)) & 1U;
     word &= ~bit(p);
+  }
+  /// Without a branch: whether an operand ends up as a member is as good as random.
+  void set(OperandPos p, std::uint32_t, bool member) {
+    std::uint64_t& word = words[p / 64];
+    count += static_cast<std::uint32_t>(member) - (static_cast<std::uint32_t>(word >> (p % 64)) & 1U);
+    word = (word & ~bit(p)) | (std::uint64_t{member} << (p % 64));
   }
   void clear() {
     std::fill_n(words.get(), nbWords, std::uint64_t{0});

@@ -48,11 +48,11 @@ template <class Set>
 
 /// Instantiates a class template over every container: QUVEX_OVER_SUBSETS(extern template, NodeX) in the header,
 /// QUVEX_OVER_SUBSETS(template, NodeX) in the one source that holds the code.
-#define QUVEX_OVER_SUBSETS(prefix, Class)              \
-  prefix class Class<SubsetMASK<unsigned char>>;       \
-  prefix class Class<SubsetMASK<unsigned short>>;      \
-  prefix class Class<SubsetMASK<unsigned int>>;        \
-  prefix class Class<SubsetMASK<unsigned long long>>;  \
-  prefix class Class<SubsetBits>;                      \
-  prefix class Class<Subset<unsigned short>>;          \
+#define QUVEX_OVER_SUBSETS(prefix, Class)             \
+  prefix class Class<SubsetMASK<unsigned char>>;      \
+  prefix class Class<SubsetMASK<unsigned short>>;     \
+  prefix class Class<SubsetMASK<unsigned int>>;       \
+  prefix class Class<SubsetMASK<unsigned long long>>; \
+  prefix class Class<SubsetBits>;                     \
+  prefix class Class<Subset<unsigned short>>;         \
   prefix class Class<Subset<unsigned int>>

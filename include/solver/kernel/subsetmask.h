@@ -37,6 +37,8 @@ class SubsetMASK : public SubsetBase<SubsetMASK<T>> {
   [[nodiscard]] bool contains(OperandPos p) const { return ((word >> p) & 1U) != 0; }
   void add(OperandPos p, std::uint32_t) { word = static_cast<T>(word | bit(p)); }
   void remove(OperandPos p, std::uint32_t) { word = static_cast<T>(word & ~bit(p)); }
+  /// Without a branch: whether an operand ends up as a member is as good as random.
+  void set(OperandPos p, std::uint32_t, bool member) { word = static_cast<T>((word & ~bit(p)) | (T{member} << p)); }
   void clear() { word = 0; }
 
   [[nodiscard]] OperandPos at(std::uint32_t k, std::uint32_t n) const {

@@ -12,7 +12,7 @@ namespace quvex {
 /// Watches the statistics of a heuristic's moves and shifts pool weights, a little at a time, toward those that pay. An
 /// exploration step gives a chance to moves that were starved to zero.
 /// Invariant: the sum of the weights stays `totalWeight`, whatever moves.
-class MoveFilter : public HeuristicCallback {
+class MoveFilter final : public HeuristicCallback {
  public:
   MoveFilter(Heuristic& ownHeuristic, bool withExploration);
 

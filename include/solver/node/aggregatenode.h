@@ -2,6 +2,7 @@
 
 #include <iostream>
 
+#include "solver/kernel/changedset.h"
 #include "solver/kernel/dag.h"
 #include "solver/kernel/nodeinner.h"
 #include "solver/kernel/subsetchoice.h"
@@ -39,7 +40,7 @@ class AggregateNode : public Inner {
   }
 
  protected:
-  Set changedNodes;
+  ChangedSet<Set> changedNodes;
 
   /// `pickDecrease` and `pickIncrease` as one, since they mostly mirror each other.
   virtual bool pickToward(const PickRequest& request, Direction direction, NodeId id) const = 0;

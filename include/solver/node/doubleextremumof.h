@@ -4,10 +4,10 @@
 
 namespace quvex {
 
-/// Base of the double minima and maxima. Which operands reach a rounded value is not worth keeping, so they know a single
-/// support, and look at all operands again whenever it changes and no changed operand is better.
-/// Invariant: the committed term at `supportNodePos` is the committed value. Among equals the last one looked at
-/// supports, which is the highest position after a look at all.
+/// Base of the double minima and maxima. Which operands reach a rounded value is not worth keeping, so they know a
+/// single support, and look at all operands again whenever it changes and no changed operand is better. Invariant: the
+/// committed term at `supportNodePos` is the committed value. Among equals the last one looked at supports, which is
+/// the highest position after a look at all.
 template <class Set, class Order, class Weight>
 class DoubleExtremumOf : public ExtremumOf<Set, Order, Weight> {
   using Base = ExtremumOf<Set, Order, Weight>;
@@ -72,8 +72,8 @@ class DoubleExtremumOf : public ExtremumOf<Set, Order, Weight> {
     return n == 0 ? kNone : supportNodePos;
   }
 
-  /// With room on both sides a coin decides between a candidate and the support; else whichever has room. The support is
-  /// asked to go down by minima and maxima alike, and without a look at the bounds.
+  /// With room on both sides a coin decides between a candidate and the support; else whichever has room. The support
+  /// is asked to go down by minima and maxima alike, and without a look at the bounds.
   bool pickOther(const PickRequest& request, NodeId id) const final {
     if (canMove<DoubleCells>(request.dag, id, Order::kBetter)) {
       const bool takesSupport = canMove<DoubleCells>(request.dag, id, opposite(Order::kBetter)) && coin(request.state);

@@ -4,9 +4,9 @@
 
 namespace quvex {
 
-/// Base of the integer minima and maxima: they know every operand that reaches the value, and look at all operands again
-/// only when the very last of these gives way.
-/// Invariant: `supports` holds exactly the positions whose committed term equals the committed value.
+/// Base of the integer minima and maxima: they know every operand that reaches the value, and look at all operands
+/// again only when the very last of these gives way. Invariant: `supports` holds exactly the positions whose committed
+/// term equals the committed value.
 template <class Set, class Order, class Weight>
 class IntegerExtremumOf : public ExtremumOf<Set, Order, Weight> {
   using Base = ExtremumOf<Set, Order, Weight>;

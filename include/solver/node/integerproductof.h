@@ -7,8 +7,8 @@
 namespace quvex {
 
 /// Base of the integer products. A running product cannot survive a factor of zero, so zeros are counted apart.
-/// Invariant: `nonZeroProduct` is the node's factor times all committed operands that are not 0, wrapping. Changes divide
-/// old operands out again, which is exact unless the product has wrapped.
+/// Invariant: `nonZeroProduct` is the node's factor times all committed operands that are not 0, wrapping. Changes
+/// divide old operands out again, which is exact unless the product has wrapped.
 template <class Set, class Factor>
 class IntegerProductOf : public ZeroNodesAggregate<Set> {
   using Base = ZeroNodesAggregate<Set>;

@@ -19,7 +19,9 @@ class NodeAndTemplate final : public ZeroNodesAggregate<Set> {
     }
     return 1;
   }
-  void eval(Dag& dag, Propagation&, NodeId id) override { dag.tentativeValue[id] = isTrueAfterChanges(dag, id) ? 1 : 0; }
+  void eval(Dag& dag, Propagation&, NodeId id) override {
+    dag.tentativeValue[id] = isTrueAfterChanges(dag, id) ? 1 : 0;
+  }
   void commit(Dag& dag, NodeId id) override {
     updateZeroNodes(dag, id);
     this->commitCells(dag, id);

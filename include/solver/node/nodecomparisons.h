@@ -15,7 +15,9 @@ template <class N>
 struct EqTest {
   using Numbers = N;
   [[nodiscard]] static bool holds(typename N::Value a, typename N::Value b) { return N::equal(a, b); }
-  [[nodiscard]] static std::int64_t gap(std::int64_t a, std::int64_t b) { return a < b ? wrapSub(b, a) : wrapSub(a, b); }
+  [[nodiscard]] static std::int64_t gap(std::int64_t a, std::int64_t b) {
+    return a < b ? wrapSub(b, a) : wrapSub(a, b);
+  }
   [[nodiscard]] static double gap(double a, double b) { return std::abs(a - b); }
 };
 

@@ -18,8 +18,9 @@ enum class UnaryPicks : std::uint8_t {
 /// An operator that applies `Function` to its operand.
 template <class Function>
 class NodeDoubleUnaryOf
-    : public PlainNode<NodeDoubleUnaryOf<Function>,
-                       std::conditional_t<std::is_same_v<decltype(Function::of(0.0)), double>, NodeDoubleInner, NodeInner>> {
+    : public PlainNode<
+          NodeDoubleUnaryOf<Function>,
+          std::conditional_t<std::is_same_v<decltype(Function::of(0.0)), double>, NodeDoubleInner, NodeInner>> {
  public:
   [[nodiscard]] static auto value(const OperandCells& cells) { return Function::of(cells.get<Doubles>(0)); }
 

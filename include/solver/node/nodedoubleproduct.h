@@ -19,7 +19,8 @@ class NodeDoubleProductTemplate final : public DoubleProductOf<Set, NoFactor<Dou
     return product;
   }
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    if (!this->evalProduct(dag, id)) raise<KernelException>(here<NodeDoubleProductTemplate>(), this->kZeroTimesInfinity);
+    if (!this->evalProduct(dag, id))
+      raise<KernelException>(here<NodeDoubleProductTemplate>(), this->kZeroTimesInfinity);
   }
 
   static Bounds computeBounds(const DagFixedFields& fixed, NodeId id) {

@@ -16,11 +16,13 @@ class NodeDoubleScalarMaxTemplate final : public DoubleExtremumOf<Set, Maximum, 
 
   [[nodiscard]] double computeValue(const Dag& dag, NodeId id) const override {
     double best = 0;
-    if (!this->findExtremum(dag, id, best)) raise<KernelException>(here<NodeDoubleScalarMaxTemplate>(), this->kZeroTimesInfinity);
+    if (!this->findExtremum(dag, id, best))
+      raise<KernelException>(here<NodeDoubleScalarMaxTemplate>(), this->kZeroTimesInfinity);
     return best;
   }
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    if (!this->evalExtremum(dag, id)) raise<KernelException>(here<NodeDoubleScalarMaxTemplate>(), this->kZeroTimesInfinity);
+    if (!this->evalExtremum(dag, id))
+      raise<KernelException>(here<NodeDoubleScalarMaxTemplate>(), this->kZeroTimesInfinity);
   }
 };
 

@@ -16,11 +16,13 @@ class NodeDoubleScalarMinTemplate final : public DoubleExtremumOf<Set, Minimum, 
 
   [[nodiscard]] double computeValue(const Dag& dag, NodeId id) const override {
     double best = 0;
-    if (!this->findExtremum(dag, id, best)) raise<KernelException>(here<NodeDoubleScalarMinTemplate>(), this->kZeroTimesInfinity);
+    if (!this->findExtremum(dag, id, best))
+      raise<KernelException>(here<NodeDoubleScalarMinTemplate>(), this->kZeroTimesInfinity);
     return best;
   }
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    if (!this->evalExtremum(dag, id)) raise<KernelException>(here<NodeDoubleScalarMinTemplate>(), this->kZeroTimesInfinity);
+    if (!this->evalExtremum(dag, id))
+      raise<KernelException>(here<NodeDoubleScalarMinTemplate>(), this->kZeroTimesInfinity);
   }
 };
 

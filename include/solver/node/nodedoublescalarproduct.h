@@ -20,7 +20,8 @@ class NodeDoubleScalarProductTemplate final : public DoubleProductOf<Set, OneFac
     return product;
   }
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    if (!this->evalProduct(dag, id)) raise<KernelException>(here<NodeDoubleScalarProductTemplate>(), this->kZeroTimesInfinity);
+    if (!this->evalProduct(dag, id))
+      raise<KernelException>(here<NodeDoubleScalarProductTemplate>(), this->kZeroTimesInfinity);
   }
 
   static Bounds computeBounds(const DagFixedFields& fixed, NodeId id) {

@@ -19,7 +19,9 @@ class NodeOrTemplate final : public OneNodesAggregate<Set> {
     }
     return 0;
   }
-  void eval(Dag& dag, Propagation&, NodeId id) override { dag.tentativeValue[id] = isTrueAfterChanges(dag, id) ? 1 : 0; }
+  void eval(Dag& dag, Propagation&, NodeId id) override {
+    dag.tentativeValue[id] = isTrueAfterChanges(dag, id) ? 1 : 0;
+  }
   void commit(Dag& dag, NodeId id) override {
     updateOneNodesByValue(dag, id);
     this->commitCells(dag, id);

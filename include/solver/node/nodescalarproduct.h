@@ -12,11 +12,14 @@ class NodeScalarProductTemplate final : public IntegerProductOf<Set, OneFactor<I
 
   explicit NodeScalarProductTemplate(std::uint32_t nbOperands);
 
-  void eval(Dag& dag, Propagation&, NodeId id) override { this->evalProduct(dag, id, here<NodeScalarProductTemplate>()); }
+  void eval(Dag& dag, Propagation&, NodeId id) override {
+    this->evalProduct(dag, id, here<NodeScalarProductTemplate>());
+  }
   void commit(Dag& dag, NodeId id) override { this->commitProduct(dag, id, here<NodeScalarProductTemplate>()); }
 
   static Bounds computeBounds(const DagFixedFields& fixed, NodeId id) {
-    return scaleIntegerBounds(productOfOperandBounds<IntegerCells>(fixed, id), OneFactor<IntegerCells>::factor(fixed, id));
+    return scaleIntegerBounds(productOfOperandBounds<IntegerCells>(fixed, id),
+                              OneFactor<IntegerCells>::factor(fixed, id));
   }
 };
 

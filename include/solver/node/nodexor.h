@@ -37,7 +37,8 @@ class NodeXorTemplate final : public OneNodesAggregate<Set> {
     const auto children = fixed.childrenOf(id);
     if (std::ranges::none_of(children, [&](NodeId child) { return fixed.maxBounds[child] == 1; })) return {0, 0};
     const t_value parity = static_cast<t_value>(children.size() & 1U);
-    if (std::ranges::all_of(children, [&](NodeId child) { return fixed.minBounds[child] != 0; })) return {parity, parity};
+    if (std::ranges::all_of(children, [&](NodeId child) { return fixed.minBounds[child] != 0; }))
+      return {parity, parity};
     return {0, 1};
   }
 

@@ -64,8 +64,8 @@ bool moveDifference(const PickRequest& request, Direction d, NodeId id) {
 /// The order is exact for doubles too.
 template <class Numbers>
 bool closeGap(const PickRequest& request, NodeId id) {
-  const bool firstIsLower = Numbers::committed(request.dag, request.operand(id, 0)) <
-                            Numbers::committed(request.dag, request.operand(id, 1));
+  const bool firstIsLower =
+      Numbers::committed(request.dag, request.operand(id, 0)) < Numbers::committed(request.dag, request.operand(id, 1));
   return moveDifference<Numbers>(request, firstIsLower ? Direction::Up : Direction::Down, id);
 }
 

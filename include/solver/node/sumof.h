@@ -7,10 +7,10 @@
 
 namespace quvex {
 
-/// Base of the sums over cells other than booleans. A sum moves by the change of its changed operands, and keeps for the
-/// moves which operands could still push it down or up.
-/// Invariant: `notMinNodes` holds exactly the positions whose operand can lower the sum from its committed value,
-/// `notMaxNodes` those that can raise it. Bounds are compared strictly, also between doubles.
+/// Base of the sums over cells other than booleans. A sum moves by the change of its changed operands, and keeps for
+/// the moves which operands could still push it down or up. Invariant: `notMinNodes` holds exactly the positions whose
+/// operand can lower the sum from its committed value, `notMaxNodes` those that can raise it. Bounds are compared
+/// strictly, also between doubles.
 template <class Set, class Weight>
 class SumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
   using Base = AggregateNode<Set, typename Weight::Cells::Inner>;
@@ -53,8 +53,12 @@ class SumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
   [[nodiscard]] OperandPos decreaseCandidateAt(const Dag& dag, NodeId id, std::uint32_t k) const final {
     return notMinNodes.at(k, dag.fixed.nbChildren[id]);
   }
-  [[nodiscard]] bool isIncreaseCandidate(const Dag&, NodeId, OperandPos p) const final { return notMaxNodes.contains(p); }
-  [[nodiscard]] bool isDecreaseCandidate(const Dag&, NodeId, OperandPos p) const final { return notMinNodes.contains(p); }
+  [[nodiscard]] bool isIncreaseCandidate(const Dag&, NodeId, OperandPos p) const final {
+    return notMaxNodes.contains(p);
+  }
+  [[nodiscard]] bool isDecreaseCandidate(const Dag&, NodeId, OperandPos p) const final {
+    return notMinNodes.contains(p);
+  }
   [[nodiscard]] OperandPos randomIncreaseCandidate(const Dag& dag, RandomState& state, NodeId id) const final {
     return notMaxNodes.randomMember(state, dag.fixed.nbChildren[id]);
   }
@@ -129,14 +133,12 @@ class SumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
   }
 
   [[nodiscard]] bool areNotMinNodesInit(const Dag& dag, NodeId id) const {
-    return notMinNodes.agrees(dag.fixed.nbChildren[id], [&](OperandPos p) {
-      return canLower(dag.fixed, id, p, operand(dag, id, p));
-    });
+    return notMinNodes.agrees(dag.fixed.nbChildren[id],
+                              [&](OperandPos p) { return canLower(dag.fixed, id, p, operand(dag, id, p)); });
   }
   [[nodiscard]] bool areNotMaxNodesInit(const Dag& dag, NodeId id) const {
-    return notMaxNodes.agrees(dag.fixed.nbChildren[id], [&](OperandPos p) {
-      return canRaise(dag.fixed, id, p, operand(dag, id, p));
-    });
+    return notMaxNodes.agrees(dag.fixed.nbChildren[id],
+                              [&](OperandPos p) { return canRaise(dag.fixed, id, p, operand(dag, id, p)); });
   }
 };
 

@@ -19,8 +19,7 @@ NodeId DummyNodeCreator::createScalar(ExprId e, ExprStack& stack) {
   const bool isDouble = hasDoubleElement(e);
   std::vector<NodeId> products;
   for (std::size_t i = 0; i < a.size(); ++i) {
-    products.push_back(
-        createElementProduct(preprocessor.exprToNode[a[i]], preprocessor.exprToNode[b[i]], isDouble));
+    products.push_back(createElementProduct(preprocessor.exprToNode[a[i]], preprocessor.exprToNode[b[i]], isDouble));
   }
   return createElementSum(products, isDouble);
 }

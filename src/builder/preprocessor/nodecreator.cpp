@@ -545,8 +545,8 @@ NodeCreator::OpenGroup& NodeCreator::openScalar(ExprId e) {
   if (!hasConstantSide) return group;
   for (const ExprId c : coefficients) {
     const t_value word = preprocessor.values[c];
-    group.coefficients.push_back(
-        group.isDouble ? doubleToWord(ValueTools::toDouble(preprocessor.type(c), word)) : word);
+    group.coefficients.push_back(group.isDouble ? doubleToWord(ValueTools::toDouble(preprocessor.type(c), word))
+                                                : word);
   }
   return group;
 }

@@ -91,9 +91,8 @@ bool NodeCreatorBase::collectOperandNodes(ExprId e, ExprStack& stack) {
 
 NodeId NodeCreatorBase::createPlain(ExprId e, const Lowering& row, ExprStack& stack) {
   if (!collectOperandNodes(e, stack)) return kNone;
-  const bool isDouble = std::ranges::any_of(preprocessor.operands(e), [this](ExprId operand) {
-    return preprocessor.isDouble(getRepresentative(operand));
-  });
+  const bool isDouble = std::ranges::any_of(
+      preprocessor.operands(e), [this](ExprId operand) { return preprocessor.isDouble(getRepresentative(operand)); });
   return fixedFields.addNode(isDouble ? row.doubleNode : row.integerNode, operandNodes);
 }
 
@@ -107,9 +106,8 @@ NodeId NodeCreatorBase::createElementSum(std::span<const NodeId> products, bool 
 }
 
 bool NodeCreatorBase::hasDoubleElement(ExprId scalar) const {
-  return std::ranges::any_of(preprocessor.operands(scalar), [this](ExprId array) {
-    return preprocessor.anyDouble(preprocessor.operands(array));
-  });
+  return std::ranges::any_of(preprocessor.operands(scalar),
+                             [this](ExprId array) { return preprocessor.anyDouble(preprocessor.operands(array)); });
 }
 
 }  // namespace quvex

@@ -11,15 +11,27 @@
 
 namespace quvex {
 
-void RankQueues::init(std::span<const std::uint32_t> capacities) {
-  start.clear();
-  std::uint32_t total = 0;
-  for (const std::uint32_t capacity : capacities) {
-    start.push_back(total);
-    total += capacity;
-  }
-  entries.assign(total, 0);
-  sizes.assign(capacities.size(), 0);
+namespace {
+
+/// Rank 0 holds decisions alone: nothing to evaluate, a queued one has always changed, and its commit or rollback is a
+/// copy of one cell. They are most of what a move queues, so they are spared the calls.
+constexpr bool holdsDecisions(QueueSlot slot) { return slot <= 1; }
+constexpr bool holdsConstraints(QueueSlot slot) { return slot % 2 == 0; }
+
+/// `Node::hasChanged`, without the call where cells compare as they stand.
+bool hasChanged(const Dag& dag, NodeId id) {
+  if (dag.fixed.nodeDomains[id] <= Domain::Integer) return dag.nodeValue[id] != dag.tentativeValue[id];
+  return dag.nodes[id]->hasChanged(dag, id);
+}
+
+}  // namespace
+
+void RankQueues::init(std::uint32_t nbSlots, std::span<const QueueSlot> slotOfNode) {
+  entries.assign(slotOfNode.size(), 0);
+  starts.assign(nbSlots + 1, 0);
+  for (const QueueSlot slot : slotOfNode) ++starts[slot + 1];
+  for (QueueSlot slot = 0; slot < nbSlots; ++slot) starts[slot + 1] += starts[slot];
+  ends = starts;
 }
 
 void Propagation::init(const Dag& dag) {
@@ -29,14 +41,10 @@ void Propagation::init(const Dag& dag) {
   deferredNodes.reserve(fixed.nbNodes);
   nextDeferredNodes.reserve(fixed.nbNodes);
   initConstraints(dag);
-  std::vector<std::uint32_t> constraintsOfRank(fixed.nbRanks(), 0);
-  std::vector<std::uint32_t> othersOfRank(fixed.nbRanks(), 0);
-  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    ++(fixed.isConstraint(id) ? constraintsOfRank : othersOfRank)[fixed.nodeRanks[id]];
-  }
-  constraintRankQueues.init(constraintsOfRank);
-  rankQueues.init(othersOfRank);
-  rankCursors.assign(fixed.nbRanks(), 0);
+  slotOfNode.resize(fixed.nbNodes);
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) slotOfNode[id] = 2 * fixed.nodeRanks[id] + (fixed.isConstraint(id) ? 0 : 1);
+  rankQueues.init(2 * fixed.nbRanks(), slotOfNode);
+  rankCursors.assign(2 * fixed.nbRanks(), 0);
   touchedDecisions.reserve(fixed.firstOperator);
   computeViolation(dag);
   laggingNodes.resize(fixed.nbNodes);
@@ -48,11 +56,11 @@ void Propagation::removeListener(DagListener* listener) {
   if (found != listeners.end()) listeners.erase(found);
 }
 
-void Propagation::enqueue(const Dag& dag, NodeId id) {
-  const Rank r = dag.fixed.nodeRanks[id];
-  (dag.fixed.isConstraint(id) ? constraintRankQueues : rankQueues).push(r, id);
-  lowestRank = std::min(lowestRank, r);
-  highestRank = std::max(highestRank, r);
+inline void Propagation::enqueue(NodeId id) {
+  const QueueSlot slot = slotOfNode[id];
+  rankQueues.push(slot, id);
+  lowestSlot = std::min(lowestSlot, slot);
+  highestSlot = std::max(highestSlot, slot);
 }
 
 void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
@@ -60,28 +68,27 @@ void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (dag.isDirty(id)) return;
   dag.tentativeValue[id] = value;
   dag.setDirty(id);
-  enqueue(dag, id);
+  enqueue(id);
   touchedDecisions.push_back(id);
 }
 
-void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
+inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
-  const std::uint32_t first = from == 0 ? 0 : fixed.parentCountByLevel(from - 1, id);
-  const std::uint32_t end = fixed.parentCountByLevel(to, id);
-  const ParentLink* run = fixed.parents.data() + fixed.parentStart(id);
-  for (std::uint32_t i = first; i < end; ++i) {
-    const auto [parent, childPos] = run[i];
+  const ParentRun run = fixed.parentRun(id);
+  const std::uint32_t end = run.count(to);
+  for (std::uint32_t i = from == 0 ? 0 : run.count(from - 1); i < end; ++i) {
+    const auto [parent, childPos] = fixed.parents[run.start() + i];
     if (!dag.isDirty(parent)) {
-      enqueue(dag, parent);
       dag.setDirty(parent);
+      enqueue(parent);
     }
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
-  if (end < fixed.parentCountByLevel(optimizedLevel, id)) nextDeferredNodes.push_back(id);
+  if (end < run.count(optimizedLevel)) nextDeferredNodes.push_back(id);
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
-bool Propagation::evalConstraint(Dag& dag, NodeId id) {
+inline bool Propagation::evalConstraint(Dag& dag, NodeId id) {
   Node& node = *dag.nodes[id];
   node.eval(dag, *this, id);
   if (activeConstraints.contains(dag.fixed.posInConstraints[id])) return dag.tentativeValue[id] != 0;
@@ -90,27 +97,27 @@ bool Propagation::evalConstraint(Dag& dag, NodeId id) {
   return true;
 }
 
-bool Propagation::evaluateConstraintQueue(Dag& dag, Rank r) {
-  for (const NodeId id : constraintRankQueues.list(r)) {
+bool Propagation::evaluateConstraintQueue(Dag& dag, QueueSlot slot) {
+  for (const NodeId id : rankQueues.list(slot)) {
     if (!evalConstraint(dag, id)) return false;
-    if (dag.nodes[id]->hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
+    if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
 }
 
-void Propagation::evaluateNodeQueue(Dag& dag, Rank r, Level from, Level to) {
-  const std::uint32_t end = rankQueues.size(r);
-  for (std::uint32_t i = rankCursors[r]; i < end; ++i) {
-    const NodeId id = rankQueues.at(r, i);
-    // Rank 0 holds decisions alone: nothing to evaluate, and a queued one has always changed.
-    if (r != 0) {
-      Node& node = *dag.nodes[id];
-      node.eval(dag, *this, id);
-      if (!node.hasChanged(dag, id)) continue;
-    }
-    propagateToParents(dag, id, from, to);
+/// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
+void Propagation::evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to) {
+  const std::span<const NodeId> list = rankQueues.list(slot);
+  const std::span<const NodeId> fresh = list.subspan(rankCursors[slot]);
+  rankCursors[slot] = static_cast<std::uint32_t>(list.size());
+  if (holdsDecisions(slot)) {
+    for (const NodeId id : fresh) propagateToParents(dag, id, from, to);
+    return;
   }
-  rankCursors[r] = end;
+  for (const NodeId id : fresh) {
+    dag.nodes[id]->eval(dag, *this, id);
+    if (hasChanged(dag, id)) propagateToParents(dag, id, from, to);
+  }
 }
 
 void Propagation::nextStage(Level stage) {
@@ -121,10 +128,13 @@ void Propagation::nextStage(Level stage) {
 
 bool Propagation::evaluateConstraints(Dag& dag) {
   if (doneLevel != 0) return true;
-  // Evaluating a rank queues higher ranks only, so the upper end of the loop moves while it runs.
-  for (Rank r = lowestRank; r <= highestRank; ++r) {
-    if (!evaluateConstraintQueue(dag, r)) return false;
-    evaluateNodeQueue(dag, r, 0, 0);
+  // The upper end moves while the loop runs.
+  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
+    if (!holdsConstraints(slot)) {
+      evaluateNodeQueue(dag, slot, 0, 0);
+    } else if (!evaluateConstraintQueue(dag, slot)) {
+      return false;
+    }
   }
   nextStage(0);
   return true;
@@ -134,9 +144,10 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
   const Level done = doneLevel;
   if (stage < done) return true;
   for (const NodeId id : deferredNodes) {
-    if (dag.nodes[id]->hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
+    if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
   }
-  for (Rank r = lowestRank; r <= highestRank; ++r) evaluateNodeQueue(dag, r, done, stage);
+  // Constraints are all of level 0 and finished.
+  for (QueueSlot slot = lowestSlot | 1U; slot <= highestSlot; slot += 2) evaluateNodeQueue(dag, slot, done, stage);
   nextStage(stage);
   return true;
 }
@@ -144,10 +155,14 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
 void Propagation::commitAll(Dag& dag) {
   if (evaluateConstraints(dag)) (void)evaluateUpTo(dag, optimizedLevel);
   for (DagListener* listener : listeners) listener->onCommit();
-  if (lowestRank != kNone) {
-    for (Rank r = highestRank + 1; r-- > lowestRank;) {
-      for (const NodeId id : constraintRankQueues.list(r)) commitNode(dag, id);
-      for (const NodeId id : rankQueues.list(r)) commitNode(dag, id);
+  if (lowestSlot != kNone) {
+    // Ranks go down, but within a rank the constraints still come first.
+    for (Rank r = highestSlot / 2 + 1; r-- > lowestSlot / 2;) {
+      for (const NodeId id : rankQueues.list(2 * r)) {
+        commitNode(dag, id);
+        commitConstraint(dag, id);
+      }
+      for (const NodeId id : rankQueues.list(2 * r + 1)) commitNode(dag, id);
     }
   }
   endMove();
@@ -156,13 +171,15 @@ void Propagation::commitAll(Dag& dag) {
 }
 
 void Propagation::rollbackAll(Dag& dag) {
-  const auto undo = [&dag](NodeId id) {
-    dag.clearDirty(id);
-    dag.nodes[id]->rollback(dag, id);
-  };
-  for (Rank r = lowestRank; r <= highestRank; ++r) {
-    for (const NodeId id : constraintRankQueues.list(r)) undo(id);
-    for (const NodeId id : rankQueues.list(r)) undo(id);
+  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
+    for (const NodeId id : rankQueues.list(slot)) {
+      dag.clearDirty(id);
+      if (holdsDecisions(slot)) {
+        dag.tentativeValue[id] = dag.nodeValue[id];
+      } else {
+        dag.nodes[id]->rollback(dag, id);
+      }
+    }
   }
   endMove();
   tentativeNbViolated = committedNbViolated;
@@ -170,13 +187,12 @@ void Propagation::rollbackAll(Dag& dag) {
 }
 
 void Propagation::endMove() {
-  for (Rank r = lowestRank; r <= highestRank; ++r) {
-    constraintRankQueues.clear(r);
-    rankQueues.clear(r);
-    rankCursors[r] = 0;
+  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
+    rankQueues.clear(slot);
+    rankCursors[slot] = 0;
   }
-  lowestRank = kNone;
-  highestRank = 0;
+  lowestSlot = kNone;
+  highestSlot = 0;
   touchedDecisions.clear();
   deferredNodes.clear();
   nextDeferredNodes.clear();  // a stage 0 that failed has left entries here too
@@ -187,8 +203,11 @@ void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
   dag.clearDirty(id);
   dag.nodes[id]->commit(dag, id);
+}
+
+void Propagation::commitConstraint(const Dag& dag, NodeId id) {
   const std::uint32_t constraint = dag.fixed.posInConstraints[id];
-  if (constraint == kNone || activeConstraints.contains(constraint)) return;
+  if (activeConstraints.contains(constraint)) return;
   if (dag.nodeValue[id] != 0) {
     violatedConstraints.remove(constraint);
   } else {
@@ -199,9 +218,10 @@ void Propagation::commitNode(Dag& dag, NodeId id) {
 /// A node whose parents above `optimizedLevel` were not told keeps the value that they last saw.
 void Propagation::noteLagging(const Dag& dag, NodeId id) {
   const DagFixedFields& fixed = dag.fixed;
+  if (optimizedLevel == fixed.nbObjectives()) return;
   if (fixed.parentCountByLevel(optimizedLevel, id) == fixed.parentCount(id)) return;
   if (!laggingNodes.contains(id)) {
-    if (!dag.nodes[id]->hasChanged(dag, id)) return;
+    if (!hasChanged(dag, id)) return;
     laggingNodes.add(id);
     laggingValues[id] = dag.nodeValue[id];
     return;

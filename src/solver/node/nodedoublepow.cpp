@@ -16,8 +16,8 @@ Bounds NodeDoublePow::computeBounds(const DagFixedFields& fixed, NodeId id) {
   // Nothing is known of negative bases, and any negative exponent gives an infinity.
   if (!(a1 >= 0 && b1 >= 0)) return Bounds::ofDoubles(-kInfinity, kInfinity);
   // Monotone in each operand for the other one fixed.
-  const auto [min, max] = std::minmax(
-      {MathDouble::pow(a1, b1), MathDouble::pow(a1, b2), MathDouble::pow(a2, b1), MathDouble::pow(a2, b2)});
+  const auto [min, max] =
+      std::minmax({MathDouble::pow(a1, b1), MathDouble::pow(a1, b2), MathDouble::pow(a2, b1), MathDouble::pow(a2, b2)});
   return Bounds::ofDoubles(min, max);
 }
 

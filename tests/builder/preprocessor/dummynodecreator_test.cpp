@@ -5,13 +5,13 @@
 #include "api/qvparam.h"
 #include "support/failure.h"
 #include "support/graphtext.h"
-#include "support/smallmodel.h"
+#include "support/openmodel.h"
 
 namespace quvex {
 namespace {
 
 /// A model that is compiled without preprocessing.
-struct PlainModel : SmallModel {
+struct PlainModel : OpenModel {
   QVExpression* a = decision();
   QVExpression* b = decision();
   QVExpression* c = decision();

@@ -4,13 +4,13 @@
 
 #include "support/failure.h"
 #include "support/graphtext.h"
-#include "support/smallmodel.h"
+#include "support/openmodel.h"
 
 namespace quvex {
 namespace {
 
 /// A model with four decisions and an integer that is none.
-struct CompiledModel : SmallModel {
+struct CompiledModel : OpenModel {
   QVExpression* a = decision();
   QVExpression* b = decision();
   QVExpression* c = decision();
@@ -58,8 +58,7 @@ TEST(NodeCreator, FoldsAConstantSum) {
 
 TEST(NodeCreator, TurnsAConstantFactorIntoACoefficient) {
   CompiledModel m;
-  EXPECT_EQ(m.closedText(m.make(QVOperator::Sum, m.a, m.make(QVOperator::Prod, 3, m.b))),
-            "scalar_sum[3,1](d1,d0)");
+  EXPECT_EQ(m.closedText(m.make(QVOperator::Sum, m.a, m.make(QVOperator::Prod, 3, m.b))), "scalar_sum[3,1](d1,d0)");
 }
 
 TEST(NodeCreator, SumsBooleansInAscendingNodeOrder) {
@@ -132,7 +131,8 @@ TEST(NodeCreator, SplitsBooleansOffAWeightedSum) {
 TEST(NodeCreator, SumsDoubles) {
   CompiledModel m;
   QVExpression* unit = m.make(QVOperator::Sum, m.a, 2.5);
-  QVExpression* weighted = m.make(QVOperator::Sum, m.make(QVOperator::Prod, 0.5, m.b), m.make(QVOperator::Prod, 2, m.c), 1.5);
+  QVExpression* weighted =
+      m.make(QVOperator::Sum, m.make(QVOperator::Prod, 0.5, m.b), m.make(QVOperator::Prod, 2, m.c), 1.5);
   m.close();
   EXPECT_EQ(GraphText(*m.model).of(unit), "double_sum(d0,2.5)");
   EXPECT_EQ(GraphText(*m.model).of(weighted), "double_scalar_sum[1.5,1.](1.,double_scalar_sum[2.,0.5](d2,d1))");
@@ -147,7 +147,8 @@ TEST(NodeCreator, NestedFactorsMultiply) {
 
 TEST(NodeCreator, DropsTermsWhoseCoefficientBecomesZero) {
   CompiledModel m;
-  QVExpression* tiny = m.make(QVOperator::Prod, 1e-200, m.make(QVOperator::Sum, m.make(QVOperator::Prod, 1e-200, m.a), m.b));
+  QVExpression* tiny =
+      m.make(QVOperator::Prod, 1e-200, m.make(QVOperator::Sum, m.make(QVOperator::Prod, 1e-200, m.a), m.b));
   EXPECT_EQ(m.closedText(m.make(QVOperator::Sum, tiny, m.c)), "double_scalar_sum[1.,0.](d2,d1)");
 }
 
@@ -306,9 +307,12 @@ TEST(NodeCreator, PlainNodesFollowTheTypesOfTheirOperands) {
     const char* integerNode;
     const char* doubleNode;
   } binary[] = {
-      {QVOperator::Eq, "eq", "double_eq"},           {QVOperator::Neq, "neq", "double_neq"},
-      {QVOperator::Geq, "geq", "double_geq"},        {QVOperator::Leq, "leq", "double_leq"},
-      {QVOperator::Gt, "gt", "double_gt"},           {QVOperator::Lt, "lt", "double_lt"},
+      {QVOperator::Eq, "eq", "double_eq"},
+      {QVOperator::Neq, "neq", "double_neq"},
+      {QVOperator::Geq, "geq", "double_geq"},
+      {QVOperator::Leq, "leq", "double_leq"},
+      {QVOperator::Gt, "gt", "double_gt"},
+      {QVOperator::Lt, "lt", "double_lt"},
       {QVOperator::Dist, "distance", "double_distance"},
   };
   std::vector<std::pair<QVExpression*, std::string>> expected;
@@ -483,8 +487,13 @@ TEST(NodeCreator, AScalarMakesItsNodesPositionByPosition) {
   const DagBuilder& builder = *ModelAccess::dagBuilder(*m.model);
   const DagFixedFields& fixed = builder.getFixedFields();
   const NodeId sum = builder.getNode(scalar);
-  const std::vector<NodeId> order = {builder.getNode(m.a), builder.getNode(m.c), fixed.child(sum, 0),
-                                     builder.getNode(m.b), builder.getNode(m.d), fixed.child(sum, 1), sum};
+  const std::vector<NodeId> order = {builder.getNode(m.a),
+                                     builder.getNode(m.c),
+                                     fixed.child(sum, 0),
+                                     builder.getNode(m.b),
+                                     builder.getNode(m.d),
+                                     fixed.child(sum, 1),
+                                     sum};
   for (std::size_t i = 1; i < order.size(); ++i) EXPECT_EQ(order[i], order[i - 1] + 1);
 }
 

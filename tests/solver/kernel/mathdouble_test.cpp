@@ -1,10 +1,10 @@
 #include "solver/kernel/mathdouble.h"
 
+#include <gtest/gtest.h>
+
 #include <cerrno>
 #include <cmath>
 #include <limits>
-
-#include <gtest/gtest.h>
 
 #include "solver/kernel/types.h"
 #include "support/failure.h"
@@ -28,9 +28,7 @@ TEST(MathDouble, ComparesRelativelyElsewhere) {
   EXPECT_FALSE(MathDouble::isEqual(1.0, -1.0));
 }
 
-TEST(MathDouble, ComparesAbsolutelyWhereTheProductUnderflows) {
-  EXPECT_TRUE(MathDouble::isEqual(1e-200, 3e-200));
-}
+TEST(MathDouble, ComparesAbsolutelyWhereTheProductUnderflows) { EXPECT_TRUE(MathDouble::isEqual(1e-200, 3e-200)); }
 
 TEST(MathDouble, KnowsInfinities) {
   EXPECT_TRUE(MathDouble::isEqual(kInfinity, kInfinity));

@@ -41,9 +41,9 @@ class SubsetOfAnyType : public testing::Test {
   static constexpr std::uint32_t n = kTestSize<Set>;
 };
 
-using AllSubsets = testing::Types<SubsetMASK<unsigned char>, SubsetMASK<unsigned short>, SubsetMASK<unsigned int>,
-                                  SubsetMASK<unsigned long long>, SubsetBits, Subset<unsigned short>,
-                                  Subset<unsigned int>>;
+using AllSubsets =
+    testing::Types<SubsetMASK<unsigned char>, SubsetMASK<unsigned short>, SubsetMASK<unsigned int>,
+                   SubsetMASK<unsigned long long>, SubsetBits, Subset<unsigned short>, Subset<unsigned int>>;
 TYPED_TEST_SUITE(SubsetOfAnyType, AllSubsets);
 
 TYPED_TEST(SubsetOfAnyType, StartsEmptyWithAllPositionsInAscendingOrder) {
@@ -91,7 +91,7 @@ TYPED_TEST(SubsetOfAnyType, AgreesWithAReferenceOverRandomOperations) {
   RandomState state = 7;
   for (int i = 0; i < 20000; ++i) {
     const OperandPos p = rand(state, this->n);
-    switch (rand(state, 5)) {
+    switch (rand(state, 6)) {
       case 0:
       case 1:
         set.add(p, this->n);
@@ -102,6 +102,12 @@ TYPED_TEST(SubsetOfAnyType, AgreesWithAReferenceOverRandomOperations) {
         set.remove(p, this->n);
         reference.erase(p);
         break;
+      case 4: {
+        const bool member = coin(state);
+        set.set(p, this->n, member);
+        member ? (void)reference.insert(p) : (void)reference.erase(p);
+        break;
+      }
       default:
         if (rand(state, 100) == 0) {
           set.clear();
@@ -119,6 +125,15 @@ TYPED_TEST(SubsetOfAnyType, AgreesWithAReferenceOverRandomOperations) {
   std::ranges::sort(members);
   EXPECT_TRUE(std::ranges::equal(members, reference));
   EXPECT_TRUE(set.agrees(this->n, [&](OperandPos p) { return reference.contains(p); }));
+}
+
+TYPED_TEST(SubsetOfAnyType, SetIsAddOrRemove) {
+  TypeParam set(this->n);
+  for (const bool member : {true, true, false, false}) {
+    set.set(6, this->n, member);
+    EXPECT_EQ(set.contains(6), member);
+    EXPECT_EQ(set.size(), member ? 1U : 0U);
+  }
 }
 
 TYPED_TEST(SubsetOfAnyType, ClearLeavesNoMember) {

@@ -146,8 +146,7 @@ TEST(NodeComparison, EqualityViolationWrapsWithoutAClamp) {
 }
 
 TEST(NodeComparison, ViolationDeltaIsTheDifferenceOfViolations) {
-  for (const NodeType type :
-       {NodeType::Eq, NodeType::Neq, NodeType::Geq, NodeType::Gt, NodeType::Leq, NodeType::Lt}) {
+  for (const NodeType type : {NodeType::Eq, NodeType::Neq, NodeType::Geq, NodeType::Gt, NodeType::Leq, NodeType::Lt}) {
     for (int a = 0; a < 4; ++a) {
       for (int newB = 0; newB < 4; ++newB) {
         EXPECT_EQ(deltaOf(type, a, 2, 1, newB), violationOf(type, 1, newB) - violationOf(type, a, 2))
@@ -201,8 +200,8 @@ TEST(NodeDoubleComparison, AViolationWithoutANumberIsTheLowestInteger) {
 
 TEST(NodeComparison, OrderPicksMoveTheDifference) {
   for (const bool isDouble : {false, true}) {
-    const auto upward = isDouble ? std::array{NodeType::DoubleGeq, NodeType::DoubleGt}
-                                 : std::array{NodeType::Geq, NodeType::Gt};
+    const auto upward =
+        isDouble ? std::array{NodeType::DoubleGeq, NodeType::DoubleGt} : std::array{NodeType::Geq, NodeType::Gt};
     for (const NodeType type : upward) {
       NodeStage stage(type, isDouble ? "dd" : "ii");
       stage.set(0, 3, 0, 9).set(1, 6, 0, 9).refresh();
@@ -216,8 +215,8 @@ TEST(NodeComparison, OrderPicksMoveTheDifference) {
       EXPECT_EQ(stage.decrease(kCoinClear), "b+ 1");
       EXPECT_EQ(stage.change(kCoinClear), "b+ 1");
     }
-    const auto downward = isDouble ? std::array{NodeType::DoubleLeq, NodeType::DoubleLt}
-                                   : std::array{NodeType::Leq, NodeType::Lt};
+    const auto downward =
+        isDouble ? std::array{NodeType::DoubleLeq, NodeType::DoubleLt} : std::array{NodeType::Leq, NodeType::Lt};
     for (const NodeType type : downward) {
       NodeStage stage(type, isDouble ? "dd" : "ii");
       stage.set(0, 6, 0, 9).set(1, 3, 0, 9).refresh();

@@ -82,11 +82,12 @@ TEST(PlainNode, BoundsHoldEveryValue) {
     expectSoundBounds(type, "di");
     expectSoundBounds(type, "id");
   }
-  for (const NodeType type :
-       {NodeType::DoubleCast, NodeType::DoubleAbs, NodeType::DoubleCeil, NodeType::DoubleFloor, NodeType::DoubleRound,
-        NodeType::DoubleSqrt, NodeType::DoubleLog, NodeType::DoubleExp, NodeType::DoubleCos, NodeType::DoubleSin,
-        NodeType::DoubleTan}) {
+  for (const NodeType type : {NodeType::DoubleCast, NodeType::DoubleAbs, NodeType::DoubleCeil, NodeType::DoubleFloor,
+                              NodeType::DoubleRound, NodeType::DoubleSqrt, NodeType::DoubleLog, NodeType::DoubleExp,
+                              NodeType::DoubleCos, NodeType::DoubleSin, NodeType::DoubleTan}) {
     expectSoundBounds(type, "d");
+  }
+  for (const NodeType type : {NodeType::DoubleCast, NodeType::DoubleSqrt, NodeType::DoubleTan}) {
     expectSoundBounds(type, "i");
   }
   expectSoundBounds(NodeType::Abs, "i");
@@ -156,7 +157,7 @@ TEST(PlainNode, RandomMovesKeepEveryNodeConsistent) {
     }
     ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
     const std::uint32_t stage = rand(state, 3);
-    if (stage > 0) ASSERT_TRUE(dag.propagation.evaluateUpTo(dag, stage));
+    ASSERT_TRUE(stage == 0 || dag.propagation.evaluateUpTo(dag, stage));
     if (coin(state)) {
       dag.propagation.commitAll(dag);
     } else {
