@@ -8,3 +8,11 @@ foreach(source IN LISTS example_sources)
   target_include_directories(example_${name} PRIVATE examples)
   target_link_libraries(example_${name} PRIVATE quvex::quvex quvex_options)
 endforeach()
+
+# Each example checks its own answer from its data.
+if(QUVEX_TESTS)
+  foreach(source IN LISTS example_sources)
+    cmake_path(GET source STEM name)
+    add_test(NAME examples/${name} COMMAND example_${name} 3000)
+  endforeach()
+endif()

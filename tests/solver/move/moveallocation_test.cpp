@@ -1,10 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <memory>
-#include <new>
 
+#include "allocationcounter.h"
 #include "solver/kernel/heuristicdescent.h"
 #include "solver/move/movefilter.h"
 #include "solver/move/movekbalance.h"
@@ -19,19 +17,6 @@
 #include "solver/move/movesequence.h"
 #include "solver/move/movesimplekflip.h"
 #include "support/searchgraph.h"
-
-namespace {
-std::atomic<std::size_t> nbAllocations{0};
-}
-
-// Every allocation of this test program is counted. Malloc and free keep the sanitizers content.
-void* operator new(std::size_t size) {
-  ++nbAllocations;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace quvex {
 namespace {
@@ -50,9 +35,9 @@ class MoveAllocation : public testing::Test {
 
   void expectNone(std::unique_ptr<Move> move) {
     attempt(*move, 2000);
-    const std::size_t before = nbAllocations;
+    const std::size_t before = allocationCount();
     attempt(*move, 2000);
-    EXPECT_EQ(nbAllocations - before, 0U) << move->name;
+    EXPECT_EQ(allocationCount() - before, 0U) << move->name;
   }
 };
 
@@ -90,9 +75,9 @@ TEST_F(MoveAllocation, IsOverForTheFilterAfterWarmUp) {
     }
   };
   adapt(300);
-  const std::size_t before = nbAllocations;
+  const std::size_t before = allocationCount();
   adapt(300);
-  EXPECT_EQ(nbAllocations - before, 0U);
+  EXPECT_EQ(allocationCount() - before, 0U);
 }
 
 }  // namespace
