@@ -10,3 +10,10 @@ foreach(source IN LISTS bench_sources)
   target_include_directories(${name} PRIVATE bench tests)
   target_link_libraries(${name} PRIVATE quvex::quvex quvex_options benchmark::benchmark benchmark::benchmark_main)
 endforeach()
+
+# What solves the instances of bench/instances.py.
+find_package(nlohmann_json REQUIRED)
+add_executable(instance_run bench/tools/instance_run.cpp)
+set_target_properties(instance_run PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bench")
+target_include_directories(instance_run PRIVATE tests)
+target_link_libraries(instance_run PRIVATE quvex::quvex quvex_options nlohmann_json::nlohmann_json)

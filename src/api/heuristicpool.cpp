@@ -13,6 +13,9 @@
 #include "solver/kernel/heuristicdescent.h"
 #include "solver/move/autonomousstructure.h"
 #include "solver/move/dagstructures.h"
+#include "solver/move/dynamicconstraintnode.h"
+#include "solver/move/movebinpacking.h"
+#include "solver/move/moveejectionchain.h"
 #include "solver/move/movefilter.h"
 #include "solver/move/movekbalance.h"
 #include "solver/move/movekcycle.h"
@@ -93,6 +96,21 @@ struct SequenceShape {
 };
 constexpr SequenceShape kSequences[] = {{2, 0}, {3, 1}, {4, 2}};
 
+struct RepairShape {
+  std::uint32_t maxSteps;
+  std::uint32_t maxFlips;
+  std::uint32_t violationSlack;
+};
+constexpr RepairShape kRepairs[] = {{2, 2, 1}, {3, 3, 1}, {4, 4, 2}};
+
+/// The moves that repair by simulation.
+template <class Repair>
+void addRepairs(Heuristic& heuristic, const Workplace& at) {
+  for (const auto& [maxSteps, maxFlips, violationSlack] : kRepairs) {
+    heuristic.addMove(std::make_unique<Repair>(at.rate, maxSteps, maxFlips, violationSlack, at.structure, at.dag));
+  }
+}
+
 }  // namespace
 
 HeuristicPool::HeuristicPool(Quvex* owningQuvex, Dag& threadDag, RandomState seed)
@@ -151,6 +169,10 @@ void HeuristicPool::addAdvancedMoves(std::uint32_t rate) {
       heuristic->addMove(std::make_unique<MoveSequence>(length, freeSteps, rate, *heuristic, *structure, dag));
     }
   }
+  if (structure->dynamicNodes.empty()) return;
+  const Workplace at{dag, *structure, rate};
+  if (isEnabled("moveBinPackingEnabled")) addRepairs<MoveBinPacking>(*heuristic, at);
+  if (isEnabled("moveEjectionChainEnabled")) addRepairs<MoveEjectionChain>(*heuristic, at);
 }
 
 void HeuristicPool::copyObjectiveBounds() {

@@ -99,6 +99,15 @@ TEST(HeuristicPool, NeighborhoodSizeOneKeepsSingleMoves) {
             (Moves{"2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1"}));
 }
 
+TEST(HeuristicPool, SimulatingMovesComeWithAConstraintTree) {
+  const Parameters noSequences = {{"neighborhoodSize", 0}, {"moveSequenceEnabled", 0}};
+  EXPECT_EQ(movesOf(buildOneSlackSum, noSequences),
+            (Moves{"1-SimpleFlip 1",                                      //
+                   "2-BinPacking 1", "3-BinPacking 1", "4-BinPacking 1",  //
+                   "2-EjectionChain 1", "3-EjectionChain 1", "4-EjectionChain 1"}));
+  EXPECT_EQ(movesOf(buildWithoutDecisions, noSequences), Moves{"1-SimpleFlip 1"});
+}
+
 TEST(HeuristicPool, SizesBeyondTheTableAddNothing) {
   EXPECT_EQ(movesOf(buildTwoEqualities, {{"neighborhoodSize", 2147483647}}),
             movesOf(buildTwoEqualities, {{"neighborhoodSize", 11}}));
@@ -109,10 +118,16 @@ TEST(HeuristicPool, SizesBeyondTheTableAddNothing) {
 
 TEST(HeuristicPool, EverySwitchTakesItsMovesOut) {
   const std::map<std::string, std::string> words = {
-      {"moveBalanceEnabled", "-Balance"},   {"moveSwapEnabled", "-Swap"},
-      {"moveFlipEnabled", "-Flip"},         {"movePathEnabled", "-Path"},
-      {"moveCycleEnabled", "-Cycle"},       {"moveForkCycleEnabled", "-ForkCycle"},
-      {"moveForkPathEnabled", "-ForkPath"}, {"moveSequenceEnabled", "-MoveSequence"},
+      {"moveBalanceEnabled", "-Balance"},
+      {"moveSwapEnabled", "-Swap"},
+      {"moveFlipEnabled", "-Flip"},
+      {"movePathEnabled", "-Path"},
+      {"moveCycleEnabled", "-Cycle"},
+      {"moveForkCycleEnabled", "-ForkCycle"},
+      {"moveForkPathEnabled", "-ForkPath"},
+      {"moveSequenceEnabled", "-MoveSequence"},
+      {"moveBinPackingEnabled", "-BinPacking"},
+      {"moveEjectionChainEnabled", "-EjectionChain"},
   };
   const Moves all = movesOf(buildOneSlackSum, {});
   for (const auto& [key, word] : words) {

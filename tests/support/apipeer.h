@@ -6,6 +6,7 @@
 #include "api/quvex.h"
 #include "api/qvstatistics.h"
 #include "solver/kernel/heuristic.h"
+#include "solver/kernel/parallelizer.h"
 
 namespace quvex {
 
@@ -19,6 +20,10 @@ struct ApiPeer {
       static std::uint32_t read(const Heuristic& of) { return of.*(&Reader::timeLimit); }
     };
     return Reader::read(heuristic);
+  }
+  /// Lets a test run the heuristic on its own thread.
+  static void detachParallelizer(Quvex& quvex, std::size_t thread) {
+    heuristic(quvex, thread).removeCallback(quvex.parallelizer.get());
   }
   static std::size_t nbPools(const Quvex& quvex) { return quvex.heuristicPools.size(); }
   static bool isStopRequested(const Quvex& quvex) { return quvex.stopRequested; }

@@ -45,7 +45,14 @@ class Dag {
   void printStats() const;
 
   [[nodiscard]] bool isDirty(NodeId id) const { return ((dirtyBits[id / 64] >> (id % 64)) & 1U) != 0; }
-  void setDirty(NodeId id) { dirtyBits[id / 64] |= std::uint64_t{1} << (id % 64); }
+  /// Sets the bit; false if it was set already.
+  bool markDirty(NodeId id) {
+    std::uint64_t& word = dirtyBits[id / 64];
+    const std::uint64_t bit = std::uint64_t{1} << (id % 64);
+    if ((word & bit) != 0) return false;
+    word |= bit;
+    return true;
+  }
   void clearDirty(NodeId id) { dirtyBits[id / 64] &= ~(std::uint64_t{1} << (id % 64)); }
 
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }

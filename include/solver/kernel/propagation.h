@@ -13,28 +13,31 @@ namespace quvex {
 class Dag;
 class DagFixedFields;
 
-/// Place of a queue in `RankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are the
+/// Place of a queue in `rankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are the
 /// order of evaluation.
 using QueueSlot = std::uint32_t;
 
-/// Node ids queued in the current move, two lists per rank, in arrival order. A rank's entries need no sorting among
-/// themselves, so plain lists beat a heap. All lists lie in one array; a list has room for every node that it may ever
-/// hold, because the dirty bit lets a node in only once.
-class RankQueues {
+/// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
+/// entries need no sorting among themselves, so a plain list beats a heap.
+class RankQueue {
  public:
-  /// One list per slot, from the slot of each node.
-  void init(std::uint32_t nbSlots, std::span<const QueueSlot> slotOfNode);
+  explicit RankQueue(NodeId* room) : entries(room) {}
 
-  void push(QueueSlot slot, NodeId id) { entries[ends[slot]++] = id; }
-  [[nodiscard]] std::span<const NodeId> list(QueueSlot slot) const {
-    return {entries.data() + starts[slot], ends[slot] - starts[slot]};
+  void push(NodeId id) { entries[nbEntries++] = id; }
+  [[nodiscard]] std::span<const NodeId> list() const { return {entries, nbEntries}; }
+  [[nodiscard]] bool hasFresh() const { return cursor < nbEntries; }
+  /// What has not been evaluated yet, and counts as evaluated from now on.
+  std::span<const NodeId> takeFresh() {
+    const std::span<const NodeId> fresh = list().subspan(cursor);
+    cursor = nbEntries;
+    return fresh;
   }
-  void clear(QueueSlot slot) { ends[slot] = starts[slot]; }
+  void clear() { nbEntries = cursor = 0; }
 
  private:
-  std::vector<NodeId> entries;
-  std::vector<std::uint32_t> starts;
-  std::vector<std::uint32_t> ends;
+  NodeId* entries;  ///< room for every node of the slot: the dirty bit lets a node in only once
+  std::uint32_t nbEntries = 0;
+  std::uint32_t cursor = 0;
 };
 
 /// The evaluation driver of one `Dag`, and its treatment of constraints.
@@ -95,15 +98,15 @@ class Propagation {
   void addListener(DagListener* listener) { listeners.push_back(listener); }
   void removeListener(DagListener* listener);
 
-  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues.list(2 * r + 1); }
-  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues.list(2 * r); }
+  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues[2 * r + 1].list(); }
+  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues[2 * r].list(); }
   [[nodiscard]] std::span<const NodeId> currentDeferredNodes() const { return deferredNodes; }
 
  private:
-  RankQueues rankQueues;
+  std::vector<RankQueue> rankQueues;  ///< by slot
+  std::vector<NodeId> queueRoom;      ///< what all queues lie in
   std::vector<QueueSlot> slotOfNode;
-  std::vector<std::uint32_t> rankCursors;  ///< by slot: how many entries have been evaluated
-  QueueSlot lowestSlot = kNone;            ///< all queued nodes lie in [lowestSlot, highestSlot]
+  QueueSlot lowestSlot = kNone;  ///< all queued nodes lie in [lowestSlot, highestSlot]
   QueueSlot highestSlot = 0;
   std::vector<NodeId> deferredNodes;      ///< changed nodes whose parents at later levels have not been told
   std::vector<NodeId> nextDeferredNodes;  ///< the same for the stage after the running one
@@ -114,6 +117,7 @@ class Propagation {
   [[nodiscard]] bool evalConstraint(Dag& dag, NodeId id);
   [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, QueueSlot slot);
   void evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to);
+  void initQueues(const DagFixedFields& fixed);
   void nextStage(Level stage);
   void commitNode(Dag& dag, NodeId id);
   void commitConstraint(const Dag& dag, NodeId id);

@@ -10,10 +10,10 @@
 #include "solver/kernel/random.h"
 #include "solver/kernel/types.h"
 #include "solver/move/dagstructures.h"
+#include "solver/move/dynamicconstraintnode.h"
 
 namespace quvex {
 
-class DynamicConstraintNode;
 class DynamicConstraintNodeBool;
 
 /// One thread's companion of the structure analysis: the random state of all its moves, the search for a decision that
@@ -42,8 +42,19 @@ class AutonomousStructure : public DagListener {
 
   /// Undoes every simulated flip.
   void undoFlips();
-  /// Undoes one random simulated flip; there must be one.
+  /// Undoes one random simulated flip, if there is any.
   void undoRandomFlip(RandomState& state);
+
+  /// The live constraint node of a kernel node, null if that is not in the tree. There must be a tree.
+  [[nodiscard]] DynamicConstraintNode* dynamicNodeOf(NodeId id) const {
+    const StaticIndex s = structures.staticIndexOfNode[id];
+    return s != kNone ? dynamicNodes[s].get() : nullptr;
+  }
+  /// That of a decision, null also for a decision that is not boolean.
+  [[nodiscard]] DynamicConstraintNodeBool* dynamicBooleanOf(NodeId decision) const {
+    return dag.fixed.nodeTypes[decision] == NodeType::Boolean ? dynamicBooleans[dag.fixed.decisionPos[decision]]
+                                                              : nullptr;
+  }
 
   /// A decision that is an operand of both sums, an increase candidate of `a` exactly when `riseA` is set, and likewise
   /// of `b` with `riseB`; kNone if the search finds none. One flip of it repairs both sums. For equal sums with equal
@@ -61,6 +72,8 @@ class AutonomousStructure : public DagListener {
   // The simulation lies in autonomoussimulation.cpp.
   void createDynamicNodes();
   void tellSimulation();
+  /// Tells the tree that the decision is back at its committed value.
+  void undoFlip(BooleanIndex b);
 };
 
 }  // namespace quvex

@@ -7,10 +7,10 @@
 
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/types.h"
+#include "solver/move/staticconstraintnode.h"
 
 namespace quvex {
 
-class StaticConstraintNode;
 class StaticConstraintNodeBool;
 
 /// The sums that hold one decision, slack sums first.
@@ -86,6 +86,8 @@ class DagStructures {
   // The constraint tree lies in constrainttree.cpp.
   void clearConstraintTree();
   void buildConstraintTree();
+  void addStaticNode(NodeId id);
+  void listFlatOperands(StaticConstraintNode& node) const;
 };
 
 }  // namespace quvex

@@ -26,14 +26,6 @@ bool hasChanged(const Dag& dag, NodeId id) {
 
 }  // namespace
 
-void RankQueues::init(std::uint32_t nbSlots, std::span<const QueueSlot> slotOfNode) {
-  entries.assign(slotOfNode.size(), 0);
-  starts.assign(nbSlots + 1, 0);
-  for (const QueueSlot slot : slotOfNode) ++starts[slot + 1];
-  for (QueueSlot slot = 0; slot < nbSlots; ++slot) starts[slot + 1] += starts[slot];
-  ends = starts;
-}
-
 void Propagation::init(const Dag& dag) {
   const DagFixedFields& fixed = dag.fixed;
   doneLevel = 0;
@@ -41,14 +33,27 @@ void Propagation::init(const Dag& dag) {
   deferredNodes.reserve(fixed.nbNodes);
   nextDeferredNodes.reserve(fixed.nbNodes);
   initConstraints(dag);
-  slotOfNode.resize(fixed.nbNodes);
-  for (NodeId id = 0; id < fixed.nbNodes; ++id) slotOfNode[id] = 2 * fixed.nodeRanks[id] + (fixed.isConstraint(id) ? 0 : 1);
-  rankQueues.init(2 * fixed.nbRanks(), slotOfNode);
-  rankCursors.assign(2 * fixed.nbRanks(), 0);
+  initQueues(fixed);
   touchedDecisions.reserve(fixed.firstOperator);
   computeViolation(dag);
   laggingNodes.resize(fixed.nbNodes);
   laggingValues.assign(fixed.nbNodes, 0);
+}
+
+void Propagation::initQueues(const DagFixedFields& fixed) {
+  const std::size_t nbSlots = 2 * std::size_t{fixed.nbRanks()};
+  std::vector<std::uint32_t> capacities(nbSlots, 0);
+  slotOfNode.resize(fixed.nbNodes);
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
+    slotOfNode[id] = 2 * fixed.nodeRanks[id] + (fixed.isConstraint(id) ? 0 : 1);
+    ++capacities[slotOfNode[id]];
+  }
+  queueRoom.assign(fixed.nbNodes, 0);
+  NodeId* room = queueRoom.data();
+  for (const std::uint32_t capacity : capacities) {
+    rankQueues.emplace_back(room);
+    room += capacity;
+  }
 }
 
 void Propagation::removeListener(DagListener* listener) {
@@ -58,16 +63,15 @@ void Propagation::removeListener(DagListener* listener) {
 
 inline void Propagation::enqueue(NodeId id) {
   const QueueSlot slot = slotOfNode[id];
-  rankQueues.push(slot, id);
+  rankQueues[slot].push(id);
   lowestSlot = std::min(lowestSlot, slot);
   highestSlot = std::max(highestSlot, slot);
 }
 
 void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (dag.nodeValue[id] == value) return;
-  if (dag.isDirty(id)) return;
+  if (!dag.markDirty(id)) return;
   dag.tentativeValue[id] = value;
-  dag.setDirty(id);
   enqueue(id);
   touchedDecisions.push_back(id);
 }
@@ -75,13 +79,11 @@ void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
   const ParentRun run = fixed.parentRun(id);
+  const ParentLink* const links = fixed.parents.data() + run.start();
   const std::uint32_t end = run.count(to);
   for (std::uint32_t i = from == 0 ? 0 : run.count(from - 1); i < end; ++i) {
-    const auto [parent, childPos] = fixed.parents[run.start() + i];
-    if (!dag.isDirty(parent)) {
-      dag.setDirty(parent);
-      enqueue(parent);
-    }
+    const auto [parent, childPos] = links[i];
+    if (dag.markDirty(parent)) enqueue(parent);
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
   if (end < run.count(optimizedLevel)) nextDeferredNodes.push_back(id);
@@ -98,7 +100,7 @@ inline bool Propagation::evalConstraint(Dag& dag, NodeId id) {
 }
 
 bool Propagation::evaluateConstraintQueue(Dag& dag, QueueSlot slot) {
-  for (const NodeId id : rankQueues.list(slot)) {
+  for (const NodeId id : rankQueues[slot].list()) {
     if (!evalConstraint(dag, id)) return false;
     if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
   }
@@ -107,9 +109,7 @@ bool Propagation::evaluateConstraintQueue(Dag& dag, QueueSlot slot) {
 
 /// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
 void Propagation::evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to) {
-  const std::span<const NodeId> list = rankQueues.list(slot);
-  const std::span<const NodeId> fresh = list.subspan(rankCursors[slot]);
-  rankCursors[slot] = static_cast<std::uint32_t>(list.size());
+  const std::span<const NodeId> fresh = rankQueues[slot].takeFresh();
   if (holdsDecisions(slot)) {
     for (const NodeId id : fresh) propagateToParents(dag, id, from, to);
     return;
@@ -130,6 +130,7 @@ bool Propagation::evaluateConstraints(Dag& dag) {
   if (doneLevel != 0) return true;
   // The upper end moves while the loop runs.
   for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
+    if (!rankQueues[slot].hasFresh()) continue;
     if (!holdsConstraints(slot)) {
       evaluateNodeQueue(dag, slot, 0, 0);
     } else if (!evaluateConstraintQueue(dag, slot)) {
@@ -147,7 +148,9 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
     if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
   }
   // Constraints are all of level 0 and finished.
-  for (QueueSlot slot = lowestSlot | 1U; slot <= highestSlot; slot += 2) evaluateNodeQueue(dag, slot, done, stage);
+  for (QueueSlot slot = lowestSlot | 1U; slot <= highestSlot; slot += 2) {
+    if (rankQueues[slot].hasFresh()) evaluateNodeQueue(dag, slot, done, stage);
+  }
   nextStage(stage);
   return true;
 }
@@ -158,11 +161,11 @@ void Propagation::commitAll(Dag& dag) {
   if (lowestSlot != kNone) {
     // Ranks go down, but within a rank the constraints still come first.
     for (Rank r = highestSlot / 2 + 1; r-- > lowestSlot / 2;) {
-      for (const NodeId id : rankQueues.list(2 * r)) {
+      for (const NodeId id : rankQueues[2 * r].list()) {
         commitNode(dag, id);
         commitConstraint(dag, id);
       }
-      for (const NodeId id : rankQueues.list(2 * r + 1)) commitNode(dag, id);
+      for (const NodeId id : rankQueues[2 * r + 1].list()) commitNode(dag, id);
     }
   }
   endMove();
@@ -172,7 +175,7 @@ void Propagation::commitAll(Dag& dag) {
 
 void Propagation::rollbackAll(Dag& dag) {
   for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
-    for (const NodeId id : rankQueues.list(slot)) {
+    for (const NodeId id : rankQueues[slot].list()) {
       dag.clearDirty(id);
       if (holdsDecisions(slot)) {
         dag.tentativeValue[id] = dag.nodeValue[id];
@@ -187,10 +190,7 @@ void Propagation::rollbackAll(Dag& dag) {
 }
 
 void Propagation::endMove() {
-  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
-    rankQueues.clear(slot);
-    rankCursors[slot] = 0;
-  }
+  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) rankQueues[slot].clear();
   lowestSlot = kNone;
   highestSlot = 0;
   touchedDecisions.clear();

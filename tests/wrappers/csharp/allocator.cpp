@@ -1,0 +1,89 @@
+#include "allocator.h"
+
+#include <atomic>
+#include <cstdlib>
+
+namespace {
+
+enum class Plan { Succeed, FailOnce, FailAlways };
+
+std::atomic<std::int64_t> liveBlocks{0};
+thread_local Plan plan = Plan::Succeed;
+thread_local std::uint64_t successesLeft = 0;
+thread_local allocator::Fault plannedFault = allocator::Fault::OutOfMemory;
+thread_local bool failed = false;
+
+[[nodiscard]] bool failsNow() {
+  if (plan == Plan::Succeed) return false;
+  if (plan == Plan::FailOnce && successesLeft > 0) {
+    --successesLeft;
+    return false;
+  }
+  if (plan == Plan::FailOnce) plan = Plan::Succeed;
+  failed = true;
+  return true;
+}
+
+[[nodiscard]] void* countedBlock(std::size_t size) {
+  void* block = std::malloc(size == 0 ? 1 : size);
+  if (block != nullptr) ++liveBlocks;
+  return block;
+}
+
+[[nodiscard]] void* allocate(std::size_t size) {
+  if (failsNow()) {
+    if (plannedFault == allocator::Fault::Other) throw 42;
+    throw std::bad_alloc();
+  }
+  void* block = countedBlock(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+
+void release(void* block) noexcept {
+  if (block == nullptr) return;
+  --liveBlocks;
+  std::free(block);
+}
+
+}  // namespace
+
+namespace allocator {
+
+std::int64_t nbLiveBlocks() { return liveBlocks; }
+
+void failOnce(std::uint64_t nbSuccesses, Fault fault) {
+  plan = Plan::FailOnce;
+  successesLeft = nbSuccesses;
+  plannedFault = fault;
+  failed = false;
+}
+
+void failAlways() {
+  plan = Plan::FailAlways;
+  plannedFault = Fault::OutOfMemory;
+  failed = false;
+}
+
+bool succeed() {
+  plan = Plan::Succeed;
+  return failed;
+}
+
+}  // namespace allocator
+
+// Every form without an alignment, so that no block comes from one allocator and goes to another.
+void* operator new(std::size_t size) { return allocate(size); }
+void* operator new[](std::size_t size) { return allocate(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return failsNow() ? nullptr : countedBlock(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return failsNow() ? nullptr : countedBlock(size);
+}
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
+void operator delete(void* block, const std::nothrow_t&) noexcept { release(block); }
+void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block); }
