@@ -49,7 +49,7 @@ void samePathCheck(benchmark::State& state) {
   }
 }
 
-#define QUVEX_PROBLEM(Problem)                                                                              \
+#define QUVEX_PROBLEM(Problem)                                                                               \
   BENCHMARK(samePathCheck<Problem, Hand##Problem>)->Arg(1000)->Iterations(1)->Unit(benchmark::kMillisecond); \
   BENCHMARK(handIteration<Problem, Hand##Problem>)->RangeMultiplier(10)->Range(1000, 1000000);               \
   BENCHMARK(engineIteration<Problem>)->RangeMultiplier(10)->Range(1000, 1000000);

@@ -32,8 +32,8 @@ void move(benchmark::State& state) {
   }
 }
 
-#define QUVEX_STEPS(Problem)                                                              \
-  BENCHMARK(move<Problem, End::Commit>)->ArgsProduct({{1000, 100000}, {1, 2, 8}});         \
+#define QUVEX_STEPS(Problem)                                                       \
+  BENCHMARK(move<Problem, End::Commit>)->ArgsProduct({{1000, 100000}, {1, 2, 8}}); \
   BENCHMARK(move<Problem, End::Rollback>)->ArgsProduct({{1000, 100000}, {1, 2, 8}});
 
 QUVEX_STEPS(Knapsack)

@@ -11,6 +11,10 @@ foreach(source IN LISTS bench_sources)
   target_link_libraries(${name} PRIVATE quvex::quvex quvex_options benchmark::benchmark benchmark::benchmark_main)
 endforeach()
 
+# Calls the same methods directly and through the shared library.
+target_include_directories(binding_bench PRIVATE "${PROJECT_SOURCE_DIR}")
+target_link_libraries(binding_bench PRIVATE quvexnativenet)
+
 # What solves the instances of bench/instances.py.
 find_package(nlohmann_json REQUIRED)
 add_executable(instance_run bench/tools/instance_run.cpp)

@@ -15,8 +15,12 @@ endif()
 
 find_program(ccache_program ccache)
 if(ccache_program AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-  set(CMAKE_CXX_COMPILER_LAUNCHER "${ccache_program}")
+  # What ccache must overlook to keep objects that use a precompiled header.
+  set(CMAKE_CXX_COMPILER_LAUNCHER
+      env "CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime" "${ccache_program}")
 endif()
+
+set(common_headers <algorithm> <array> <cstdint> <functional> <map> <memory> <span> <sstream> <string> <vector>)
 
 add_library(quvex_options INTERFACE)
 target_compile_options(quvex_options INTERFACE
@@ -30,6 +34,9 @@ target_compile_options(quvex_options INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # Warns of overlapping copies inside "literal" + std::string, where there are none (GCC bug 105651).
   target_compile_options(quvex_options INTERFACE -Wno-restrict)
+endif()
+if(QUVEX_PCH AND CMAKE_CXX_COMPILER_ID STREQUAL GNU)
+  target_compile_options(quvex_options INTERFACE -fpch-preprocess)
 endif()
 if(QUVEX_WERROR)
   target_compile_options(quvex_options INTERFACE -Werror)

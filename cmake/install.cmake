@@ -11,6 +11,8 @@ list(TRANSFORM public_headers REPLACE "(.+)" "include/api/\\1.h")
 install(FILES include/quvex.h DESTINATION "${header_dir}")
 install(FILES ${public_headers} DESTINATION "${header_dir}/api")
 install(FILES include/solver/kernel/types.h DESTINATION "${header_dir}/solver/kernel")
+# The flat functions, for clients in C and in languages that read C headers.
+install(FILES wrappers/csharp/quvexnativenet.h wrappers/csharp/exports.def DESTINATION "${header_dir}")
 
 install(TARGETS quvex EXPORT quvexTargets)
 install(TARGETS quvexnativenet)

@@ -1,5 +1,5 @@
-// Car sequencing: cars of several classes share a line. A station that fits an option can serve only so many cars of each
-// window; every car above that costs one. The order of the cars is to be found.
+// Car sequencing: cars of several classes share a line. A station that fits an option can serve only so many cars of
+// each window; every car above that costs one. The order of the cars is to be found.
 #include <algorithm>
 
 #include "support/example.h"

@@ -44,7 +44,8 @@ class MultiKnapsack {
 
   QVExpression* weightedSum(QVModel& model, const std::vector<int>& weights) const {
     QVExpression* sum = model.createExpression(QVOperator::Sum);
-    for (int i = 0; i < kProjects; ++i) sum->addOperand(model.createExpression(QVOperator::Prod, weights[i], chosen[i]));
+    for (int i = 0; i < kProjects; ++i)
+      sum->addOperand(model.createExpression(QVOperator::Prod, weights[i], chosen[i]));
     return sum;
   }
 

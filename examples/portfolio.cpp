@@ -1,5 +1,5 @@
-// Portfolio with double arithmetic: choose ventures so that the expected return less a multiple of the standard deviation
-// is greatest, within a budget. Ventures of one sector move together.
+// Portfolio with double arithmetic: choose ventures so that the expected return less a multiple of the standard
+// deviation is greatest, within a budget. Ventures of one sector move together.
 #include <cmath>
 
 #include "support/example.h"

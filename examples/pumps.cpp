@@ -1,5 +1,5 @@
-// Indexing: each pumping station runs at a level, which is the number of its pumps that are on; tables give what a station
-// of that level delivers and consumes. Enough water at the least consumption is wanted.
+// Indexing: each pumping station runs at a level, which is the number of its pumps that are on; tables give what a
+// station of that level delivers and consumes. Enough water at the least consumption is wanted.
 #include "support/example.h"
 
 using namespace quvex;

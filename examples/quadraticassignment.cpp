@@ -1,5 +1,5 @@
-// Quadratic assignment: facilities go to sites, one each; what flows between two facilities travels the distance between
-// their sites.
+// Quadratic assignment: facilities go to sites, one each; what flows between two facilities travels the distance
+// between their sites.
 #include "support/example.h"
 
 using namespace quvex;

@@ -13,8 +13,8 @@
 
 namespace bench {
 
-/// A descent of one thread whose pool holds the flip of one decision alone, built as `solve` builds it, so that it makes
-/// the same draws: the engine at its barest, and what the hand-written searches imitate.
+/// A descent of one thread whose pool holds the flip of one decision alone, built as `solve` builds it, so that it
+/// makes the same draws: the engine at its barest, and what the hand-written searches imitate.
 class SingleFlips {
  public:
   template <class Problem>
@@ -33,8 +33,7 @@ class SingleFlips {
     if (!dag.propagation.allConstraintsActive() && !quvex::GreedySolution(seed).computeSolution(dag)) {
       dag.propagation.deactivateAllConstraints();
     }
-    pool = std::make_unique<quvex::HeuristicPool>(&quvex, dag,
-                                                  quvex::scaleTo(quvex::randomStep(seed), 2147483647U));
+    pool = std::make_unique<quvex::HeuristicPool>(&quvex, dag, quvex::scaleTo(quvex::randomStep(seed), 2147483647U));
     heuristic().setOptimizedObjective(0);
   }
 

@@ -467,7 +467,7 @@ TEST_F(SolveDriveOfPhases, StopFromAnotherThreadDuringADisplayReturnsAndEndsTheS
 /// 100 / (2 - number of decisions set), which the search drives toward its division by zero.
 std::vector<QVExpression*> buildFailingModel(Quvex& quvex) {
   QVModel& model = *quvex.getModel();
-  const auto x = createDecisions(model, 2);
+  std::vector<QVExpression*> x = createDecisions(model, 2);
   QVExpression* divisor = weightedSum(model, x, {-1, -1});
   divisor->addOperand(2);
   model.addObjective(model.createExpression(QVOperator::Div, model.createConstant(100), divisor),

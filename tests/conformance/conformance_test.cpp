@@ -20,8 +20,8 @@
 namespace quvex {
 namespace {
 
-/// The models whose end under an iteration limit is known to the last counter: data/<name>.qvm.gz is a saved environment,
-/// data/<name>.txt the end that a second, independent implementation of the same search reaches.
+/// The models whose end under an iteration limit is known to the last counter: data/<name>.qvm.gz is a saved
+/// environment, data/<name>.txt the end that a second, independent implementation of the same search reaches.
 const std::filesystem::path kData = std::filesystem::path(QUVEX_SOURCE_DIR) / "tests/conformance/data";
 
 std::vector<std::string> modelNames() {

@@ -13,8 +13,8 @@ namespace quvex {
 
 /// n boolean decisions.
 inline std::vector<QVExpression*> createDecisions(QVModel& model, int n) {
-  std::vector<QVExpression*> decisions;
-  for (int i = 0; i < n; ++i) decisions.push_back(model.createExpression(QVOperator::Bool));
+  std::vector<QVExpression*> decisions(static_cast<std::size_t>(n));
+  for (QVExpression*& decision : decisions) decision = model.createExpression(QVOperator::Bool);
   return decisions;
 }
 

@@ -41,8 +41,8 @@ class ChangedSet<SubsetBits> {
     lastWord = std::max(lastWord, i);
   }
   void clear() {
-    if (count == 0) return;
-    std::fill(words.get() + firstWord, words.get() + lastWord + 1, std::uint64_t{0});
+    // Mostly a single word, for which a call of the library's fill costs more than the loop.
+    for (std::uint32_t i = firstWord; i <= lastWord && i < nbWords; ++i) words[i] = 0;
     count = 0;
     firstWord = nbWords;
     lastWord = 0;

@@ -20,9 +20,9 @@ enum class Outcome : std::uint32_t {
   Improved = 3,
 };
 
-/// One neighbourhood of the search. `apply` sets a few boolean decisions tentatively, the heuristic evaluates and judges
-/// through the operations below, `conclude` commits or rolls back. A move never touches integer decisions and never
-/// writes the value arrays itself.
+/// One neighbourhood of the search. `apply` sets a few boolean decisions tentatively, the heuristic evaluates and
+/// judges through the operations below, `conclude` commits or rolls back. A move never touches integer decisions and
+/// never writes the value arrays itself.
 ///
 /// Invariant: between attempts a move holds counters and reusable buffers, nothing about the last attempt; all moves of
 /// one heuristic draw from the same random state.

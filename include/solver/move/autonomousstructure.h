@@ -25,7 +25,7 @@ class AutonomousStructure : public DagListener {
  public:
   Dag& dag;
   const DagStructures& structures;
-  RandomState randomState;  ///< all moves of the thread draw from it
+  RandomState randomState;                                           ///< all moves of the thread draw from it
   std::vector<std::unique_ptr<DynamicConstraintNode>> dynamicNodes;  ///< by static index
   std::vector<DynamicConstraintNodeBool*> dynamicBooleans;           ///< by boolean index, null for none
   IndexedSet flippedDecisions;                                       ///< boolean indices, simulated and not committed

@@ -15,7 +15,7 @@ class StaticConstraintNodeBool;
 
 /// The sums that hold one decision, slack sums first.
 struct Membership {
-  std::uint32_t nbSlack;                ///< how many of `sums` are slack sums
+  std::uint32_t nbSlack;  ///< how many of `sums` are slack sums
   std::span<const NodeId> sums;
   std::span<const OperandPos> positions;  ///< the decision's operand position in each of them
 
@@ -57,7 +57,7 @@ class DagStructures {
  public:
   std::vector<NodeId> sums;
   MembershipTable memberships;
-  std::vector<StaticIndex> staticIndexOfNode;  ///< per node, kNone if it is not in the tree
+  std::vector<StaticIndex> staticIndexOfNode;                      ///< per node, kNone if it is not in the tree
   std::vector<std::unique_ptr<StaticConstraintNode>> staticNodes;  ///< operands before parents
   std::vector<StaticConstraintNodeBool*> staticNodeOfDecision;     ///< per boolean index, null for none
   std::uint32_t nbSlackSums = 0;

@@ -21,8 +21,8 @@ template <class Operands>
 }
 
 /// First position of [lo, hi] whose operand is at least `value`, kNone if `value` exceeds the operand at `hi`.
-/// Costs the logarithm of the distance from `lo` (J. L. Bentley and A. C. Yao, An almost optimal algorithm for unbounded
-/// searching, 1976), so that merging a short run with a long one costs little.
+/// Costs the logarithm of the distance from `lo` (J. L. Bentley and A. C. Yao, An almost optimal algorithm for
+/// unbounded searching, 1976), so that merging a short run with a long one costs little.
 template <class Operands>
 [[nodiscard]] OperandPos gallop(const Operands& operands, NodeId value, OperandPos lo, OperandPos hi) {
   if (operands[hi] < value) return kNone;

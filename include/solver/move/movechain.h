@@ -61,8 +61,8 @@ class MoveChain : public Move {
 
   /// The start of paths, which begin in a sum with slack: by targeting, or drawn.
   [[nodiscard]] ChainEnd drawSlackStart();
-  /// The start of cycles, in any sum: by targeting, preferring the equality sums of a decision that has several, or drawn
-  /// and then in its rare direction.
+  /// The start of cycles, in any sum: by targeting, preferring the equality sums of a decision that has several, or
+  /// drawn and then in its rare direction.
   [[nodiscard]] ChainEnd drawCycleStart();
   /// The sums of the model in their stable order, slack sums first.
   [[nodiscard]] const std::vector<NodeId>& sums() const { return structure.structures.sums; }

@@ -8,9 +8,9 @@
 
 namespace quvex {
 
-/// Keeps quantities steady: for each of `k` drawn operators, one decision that should lower it and one that should raise
-/// it both change. Operators that matter to no objective under optimisation are passed over.
-/// Invariant: `sample` is scratch of one attempt.
+/// Keeps quantities steady: for each of `k` drawn operators, one decision that should lower it and one that should
+/// raise it both change. Operators that matter to no objective under optimisation are passed over. Invariant: `sample`
+/// is scratch of one attempt.
 class MoveKBalance : public Move {
  public:
   MoveKBalance(std::uint32_t size, std::uint32_t weight, AutonomousStructure& autonomous, Dag& moveDag);

@@ -4,8 +4,8 @@
 
 namespace quvex {
 
-/// A cycle that splits: after `k - 2` changes, each of `forks` branches takes one more from the last sum and closes with
-/// a decision that it shares with the first.
+/// A cycle that splits: after `k - 2` changes, each of `forks` branches takes one more from the last sum and closes
+/// with a decision that it shares with the first.
 class MoveKLForkCycle : public MoveChain {
  public:
   MoveKLForkCycle(std::uint32_t size, std::uint32_t nbForks, std::uint32_t weight, std::uint32_t rate,

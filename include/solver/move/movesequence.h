@@ -14,8 +14,8 @@ namespace quvex {
 /// pass through a worse or infeasible state on the way to a better one. A negative verdict is carried out by a further
 /// move that restores the decisions, since what is committed can't be rolled back.
 ///
-/// Invariant: `applied` and `touched` hold something between `apply` and `conclude` only, and `touchedBits` is `touched`
-/// as a set; no decision changes twice in one sequence. The sub-moves and their weights never change.
+/// Invariant: `applied` and `touched` hold something between `apply` and `conclude` only, and `touchedBits` is
+/// `touched` as a set; no decision changes twice in one sequence. The sub-moves and their weights never change.
 class MoveSequence : public Move {
  public:
   static constexpr const char* kName = "quvex::MoveSequence";

@@ -8,9 +8,9 @@
 
 namespace quvex {
 
-/// Changes `k` decisions among all boolean ones, whatever holds them: the move that every pool has, so that a search can
-/// always go on. A decision that targeting proposes takes the place of one drawn member.
-/// Invariant: `sample` is scratch of one attempt.
+/// Changes `k` decisions among all boolean ones, whatever holds them: the move that every pool has, so that a search
+/// can always go on. A decision that targeting proposes takes the place of one drawn member. Invariant: `sample` is
+/// scratch of one attempt.
 class MoveSimpleKFlip : public Move {
  public:
   MoveSimpleKFlip(std::uint32_t size, std::uint32_t weight, std::uint32_t rate, AutonomousStructure& autonomous,

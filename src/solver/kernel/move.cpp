@@ -119,7 +119,9 @@ bool Move::objectiveWorse(std::uint32_t i) const { return isWorse(dag, i, refere
 
 bool Move::objectiveBetter(std::uint32_t i) const { return isBetter(dag, i, referenceObjective(i)); }
 
-std::string moveName(std::uint32_t size, std::string_view word) { return std::to_string(size) + "-" + std::string(word); }
+std::string moveName(std::uint32_t size, std::string_view word) {
+  return std::to_string(size) + "-" + std::string(word);
+}
 
 std::string moveName(std::uint32_t size, std::uint32_t forks, std::string_view word) {
   return std::to_string(size) + "-" + moveName(forks, word);

@@ -94,8 +94,8 @@ ChainEnd MoveChain::drawCycleStart() {
     const Membership membership = structure.structures.membershipOf(target);
     if (membership.size() > 0) {
       const std::uint32_t nbEquality = membership.nbEquality();
-      const std::uint32_t j = nbEquality < 2 ? rand(randomState, membership.size())
-                                             : membership.nbSlack + rand(randomState, nbEquality);
+      const std::uint32_t j =
+          nbEquality < 2 ? rand(randomState, membership.size()) : membership.nbSlack + rand(randomState, nbEquality);
       firstOperand = membership.positions[j];
       return {membership.sums[j], isIncreaseCandidate(membership.sums[j], firstOperand)};
     }

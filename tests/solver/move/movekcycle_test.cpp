@@ -75,9 +75,9 @@ TEST(MoveKCycle, LeavesTheTargetToTheSecondWalkWhenTheFirstHasLength0) {
   CrossedSums model;
   MoveKCycle move(2, 8, 100, *model.structure);
   for (const RandomState seed : someSeeds(20)) {
-    // A rise in a sum whose rare side is the fall. The target is flipped by the walk in the other direction, and its own
-    // sum is left as the end. The two sums then ask for a fall and a rise at once: the first operand at 0 answers, which
-    // is the target again, and it has changed.
+    // A rise in a sum whose rare side is the fall. The target is flipped by the walk in the other direction, and its
+    // own sum is left as the end. The two sums then ask for a fall and a rise at once: the first operand at 0 answers,
+    // which is the target again, and it has changed.
     RandomState expected = stepped(seed, 1);
     (void)rand(expected, 2);
     (void)rand(expected, 2);

@@ -109,12 +109,12 @@ TEST(MoveSequence, MakesItsOwnMovesForTiedModels) {
   AssignmentGraph model(3);
   HeuristicDescent heuristic(*model.dag);
   const MoveSequence move(2, 0, 50, heuristic, *model.structure, *model.dag);
-  EXPECT_EQ(namesOf(move.getFirstMoves()),
-            (std::vector<std::string>{"1-Balance", "1-Swap", "1-SimpleFlip",                                        //
-                                      "2-Balance", "2-Swap", "2-Cycle", "2-SimpleFlip",                             //
-                                      "3-Balance", "3-Swap", "3-Cycle", "3-2-ForkCycle", "3-3-ForkCycle", "3-SimpleFlip",
-                                      "4-Balance", "4-Swap", "4-Cycle", "4-2-ForkCycle", "4-3-ForkCycle",
-                                      "4-SimpleFlip"}));
+  EXPECT_EQ(
+      namesOf(move.getFirstMoves()),
+      (std::vector<std::string>{"1-Balance", "1-Swap", "1-SimpleFlip",             //
+                                "2-Balance", "2-Swap", "2-Cycle", "2-SimpleFlip",  //
+                                "3-Balance", "3-Swap", "3-Cycle", "3-2-ForkCycle", "3-3-ForkCycle", "3-SimpleFlip",
+                                "4-Balance", "4-Swap", "4-Cycle", "4-2-ForkCycle", "4-3-ForkCycle", "4-SimpleFlip"}));
   const std::vector<std::uint32_t> expectedWeights = {4, 4, 8, 2, 2, 2, 8, 1, 1, 4, 2, 1, 2, 1, 1, 8, 0, 0, 1};
   for (std::size_t i = 0; i < expectedWeights.size(); ++i) {
     EXPECT_EQ(move.getFirstMoves()[i]->poolWeight, expectedWeights[i]) << move.getFirstMoves()[i]->name;
@@ -128,13 +128,14 @@ TEST(MoveSequence, MakesPathsWhereSumsHaveSlack) {
   model.limitedSum(x, 2);
   HeuristicDescent heuristic(model.start());
   const MoveSequence move(2, 0, 50, heuristic, *model.structure, *model.dag);
-  EXPECT_EQ(namesOf(move.getFirstMoves()),
-            (std::vector<std::string>{"1-Balance", "1-Swap", "1-Flip", "1-SimpleFlip",                  //
-                                      "2-Balance", "2-Flip", "2-Path", "2-Cycle", "2-SimpleFlip",       //
-                                      "3-Flip", "3-Path", "3-Cycle", "3-2-ForkCycle", "3-3-ForkCycle",  //
-                                      "3-2-ForkPath", "3-3-ForkPath", "3-SimpleFlip",                   //
-                                      "4-Path", "4-Cycle", "4-2-ForkCycle", "4-3-ForkCycle",            //
-                                      "4-2-ForkPath", "4-3-ForkPath", "4-SimpleFlip"}));
+  EXPECT_EQ(
+      namesOf(move.getFirstMoves()),
+      (std::vector<std::string>{"1-Balance",    "1-Swap",       "1-Flip",        "1-SimpleFlip",                    //
+                                "2-Balance",    "2-Flip",       "2-Path",        "2-Cycle",       "2-SimpleFlip",   //
+                                "3-Flip",       "3-Path",       "3-Cycle",       "3-2-ForkCycle", "3-3-ForkCycle",  //
+                                "3-2-ForkPath", "3-3-ForkPath", "3-SimpleFlip",                                     //
+                                "4-Path",       "4-Cycle",      "4-2-ForkCycle", "4-3-ForkCycle",                   //
+                                "4-2-ForkPath", "4-3-ForkPath", "4-SimpleFlip"}));
   EXPECT_EQ(namesOf(move.getNextMoves()), (std::vector<std::string>{"1-Flip", "1-SimpleFlip"}));
   for (const auto& next : move.getNextMoves()) EXPECT_EQ(next->poolWeight, 8U);
 }

@@ -221,19 +221,16 @@ TEST_P(RandomAttempts, KeepTheGraphConsistentAndChangeNoDecisionTwice) {
   EXPECT_GT(nbBuilt, 0U);
 }
 
-INSTANTIATE_TEST_SUITE_P(Moves, RandomAttempts,
-                         testing::Values(MoveCase{"Flip", makeFlip<MoveKFlip>},
-                                         MoveCase{"SimpleFlip", makeFlip<MoveSimpleKFlip>},
-                                         MoveCase{"Swap", makeFlip<MoveKSwap>},  //
-                                         MoveCase{"Balance", makeBalance},       //
-                                         MoveCase{"Path", makeChain<MoveKPath>},
-                                         MoveCase{"Cycle", makeChain<MoveKCycle>},
-                                         MoveCase{"ForkPath", makeFork<MoveKLForkPath>},
-                                         MoveCase{"ForkCycle", makeFork<MoveKLForkCycle>},
-                                         MoveCase{"Roll", makeChain<MoveKRoll>},
-                                         MoveCase{"Mirror", makeChain<MoveKMirror>},
-                                         MoveCase{"Sequence", makeSequence}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Moves, RandomAttempts,
+    testing::Values(MoveCase{"Flip", makeFlip<MoveKFlip>}, MoveCase{"SimpleFlip", makeFlip<MoveSimpleKFlip>},
+                    MoveCase{"Swap", makeFlip<MoveKSwap>},  //
+                    MoveCase{"Balance", makeBalance},       //
+                    MoveCase{"Path", makeChain<MoveKPath>}, MoveCase{"Cycle", makeChain<MoveKCycle>},
+                    MoveCase{"ForkPath", makeFork<MoveKLForkPath>}, MoveCase{"ForkCycle", makeFork<MoveKLForkCycle>},
+                    MoveCase{"Roll", makeChain<MoveKRoll>}, MoveCase{"Mirror", makeChain<MoveKMirror>},
+                    MoveCase{"Sequence", makeSequence}),
+    [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace
 }  // namespace quvex

@@ -263,17 +263,20 @@ TEST_F(Failures, ReturnTheZeroOfTheResult) {
 }
 
 TEST_F(Failures, OfMemoryInTheConstructorNameTheExport) {
-  const std::int64_t before = allocator::nbLiveBlocks();
-  for (const allocator::Fault fault : {allocator::Fault::OutOfMemory, allocator::Fault::Other}) {
+  const auto failAtEach = [](allocator::Fault fault) {
     int nbReports = 0;
     failEveryAllocation(
-        fault, [&] { CSharp_delete_Quvex(CSharp_new_Quvex()); },
+        fault, [] { CSharp_delete_Quvex(CSharp_new_Quvex()); },
         [&](const Report& report) {
           expectOwnReport(report, fault, "CSharp_new_Quvex");
           ++nbReports;
         });
     EXPECT_GE(nbReports, 5);  // the object and what it owns
-  }
+  };
+  failAtEach(allocator::Fault::OutOfMemory);
+  const std::int64_t before = allocator::nbLiveBlocks();
+  failAtEach(allocator::Fault::OutOfMemory);
+  failAtEach(allocator::Fault::Other);
   EXPECT_EQ(allocator::nbLiveBlocks(), before);
 }
 

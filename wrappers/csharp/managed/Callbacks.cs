@@ -27,9 +27,11 @@ namespace QuvexNet
         private static readonly ExceptionCallback Application = m => Keep(new ApplicationException(Utf8.Decode(m)));
         private static readonly ExceptionCallback Arithmetic = m => Keep(new ArithmeticException(Utf8.Decode(m)));
         private static readonly ExceptionCallback DivideByZero = m => Keep(new DivideByZeroException(Utf8.Decode(m)));
-        private static readonly ExceptionCallback IndexOutOfRange = m => Keep(new IndexOutOfRangeException(Utf8.Decode(m)));
+        private static readonly ExceptionCallback IndexOutOfRange = m =>
+            Keep(new IndexOutOfRangeException(Utf8.Decode(m)));
         private static readonly ExceptionCallback InvalidCast = m => Keep(new InvalidCastException(Utf8.Decode(m)));
-        private static readonly ExceptionCallback InvalidOperation = m => Keep(new InvalidOperationException(Utf8.Decode(m)));
+        private static readonly ExceptionCallback InvalidOperation = m =>
+            Keep(new InvalidOperationException(Utf8.Decode(m)));
         private static readonly ExceptionCallback Io = m => Keep(new IOException(Utf8.Decode(m)));
         private static readonly ExceptionCallback NullReference = m => Keep(new NullReferenceException(Utf8.Decode(m)));
         private static readonly ExceptionCallback OutOfMemory = m => Keep(new OutOfMemoryException(Utf8.Decode(m)));

@@ -62,7 +62,9 @@ namespace QuvexNet
             get { return Check(Native.CSharp_Quvex_GetNbPhases(Pointer)); }
         }
 
-        /// <summary>The current solution: what the caller has set, or the best of the last search. Paused or Stopped.</summary>
+        /// <summary>
+        /// The current solution: what the caller has set, or the best of the last search. Paused or Stopped.
+        /// </summary>
         public QVSolution Solution
         {
             get { return new QVSolution(this, Check(Native.CSharp_Quvex_GetSolution(Pointer))); }

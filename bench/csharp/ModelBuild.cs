@@ -1,0 +1,42 @@
+using System;
+using System.Diagnostics;
+
+namespace QuvexNet.Bench
+{
+    /// <summary>
+    /// Building a model from C#: prints the seconds that a knapsack of some number of expressions takes, a million by
+    /// default. The benchmark "build" of model_bench does the same in C++.
+    /// </summary>
+    internal static class ModelBuild
+    {
+        private static int Main(string[] arguments)
+        {
+            int nbItems = (arguments.Length > 0 ? int.Parse(arguments[0]) : 1000000) / 4;
+            Build(1000);  // what the runtime compiles at the first call is not measured
+            Stopwatch watch = Stopwatch.StartNew();
+            int nbExpressions = Build(nbItems);
+            Console.WriteLine("{0} expressions in {1:0.000} s", nbExpressions, watch.Elapsed.TotalSeconds);
+            return 0;
+        }
+
+        /// <summary>Per item one decision and two products; constants are shared where they can be.</summary>
+        private static int Build(int nbItems)
+        {
+            using (Quvex solver = new Quvex())
+            {
+                QVModel model = solver.Model;
+                QVExpression weight = model.Sum();
+                QVExpression value = model.Sum();
+                for (int i = 0; i < nbItems; ++i)
+                {
+                    QVExpression item = model.Bool();
+                    weight.AddOperand((i + 2) * item);
+                    value.AddOperand((1000 - (i % 1000)) * item);
+                }
+                model.AddConstraint(weight <= nbItems);
+                model.Maximize(value);
+                return model.NbExpressions;
+            }
+        }
+    }
+}
