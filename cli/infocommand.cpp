@@ -8,13 +8,17 @@
 #include <string_view>
 #include <vector>
 
+#include "api/heuristicpool.h"
 #include "api/modelaccess.h"
 #include "builder/dagbuilder.h"
 #include "builder/operatortools.h"
 #include "cli/environment.h"
+#include "solver/kernel/dag.h"
 #include "solver/kernel/dagfixedfields.h"
+#include "solver/kernel/heuristic.h"
 #include "solver/kernel/nodetypeutils.h"
 #include "solver/move/dagstructures.h"
+#include "solver/move/staticconstraintnode.h"
 
 namespace quvex::cli {
 
@@ -90,8 +94,30 @@ void printObjectiveBounds(const DagFixedFields& fixed) {
   }
 }
 
-void printKernel(const QVModel& model) {
-  const DagBuilder& builder = *ModelAccess::dagBuilder(model);
+/// The graph on which repairs are simulated: what of the constraints it covers, and what lies outside.
+void printConstraintTree(const DagFixedFields& fixed, const DagStructures& structures) {
+  std::map<std::string, std::uint64_t> covered;
+  for (const auto& node : structures.staticNodes) ++covered[NodeTypeUtils::toString(fixed.nodeTypes[node->nodeId])];
+  std::cout << "Constraint tree:\n";
+  for (const auto& [type, count] : covered) printCount(type, count);
+  std::uint64_t nbOutside = 0;
+  for (const NodeId id : fixed.constraints) {
+    const bool inside = !structures.staticIndexOfNode.empty() && structures.staticIndexOfNode[id] != kNone;
+    if (!inside) ++nbOutside;
+  }
+  printCount("constraints covered", fixed.nbConstraints() - nbOutside);
+  printCount("constraints cut", nbOutside);
+}
+
+/// The moves that follow from the structure and the parameters, as one thread starts with them.
+void printPool(Quvex& solver, Dag& dag) {
+  const HeuristicPool pool(&solver, dag, 0);
+  std::cout << "Moves and their weights:\n";
+  for (const auto& move : pool.getHeuristic()->moves) printCount(move->name, move->poolWeight);
+}
+
+void printKernel(Quvex& solver) {
+  DagBuilder& builder = *ModelAccess::dagBuilder(*solver.getModel());
   const DagFixedFields& fixed = builder.getFixedFields();
   const DagStructures& structures = builder.getStructures();
   std::cout << "\nCompiled graph:\n";
@@ -109,6 +135,8 @@ void printKernel(const QVModel& model) {
   printCount("equality sums", structures.sums.size() - structures.nbSlackSums);
   printCount("free decisions", structures.freeDecisions.size());
   printCount("swappable decisions", structures.swappableDecisions.size());
+  printConstraintTree(fixed, structures);
+  printPool(solver, builder.getDag());
   printObjectiveBounds(fixed);
 }
 
@@ -122,7 +150,7 @@ void runInfo(const std::string& modelFile, bool kernel) {
   printOperators(model);
   printValueTypes(model);
   printLargest(model);
-  if (kernel) printKernel(model);
+  if (kernel) printKernel(solver);
 }
 
 }  // namespace quvex::cli

@@ -108,6 +108,19 @@ TEST(HeuristicPool, SimulatingMovesComeWithAConstraintTree) {
   EXPECT_EQ(movesOf(buildWithoutDecisions, noSequences), Moves{"1-SimpleFlip 1"});
 }
 
+TEST(HeuristicPool, PutsTheAdvancedMovesLast) {
+  const Moves moves = movesOf(buildOneSlackSum, {{"neighborhoodSize", 0}});
+  EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1",                                            //
+                          "2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1",  //
+                          "2-BinPacking 1", "3-BinPacking 1", "4-BinPacking 1",        //
+                          "2-EjectionChain 1", "3-EjectionChain 1", "4-EjectionChain 1"}));
+}
+
+TEST(HeuristicPool, RepairsNothingWithoutAConstraintTree) {
+  const Moves moves = movesOf(buildWithoutDecisions, {});
+  EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1", "2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1"}));
+}
+
 TEST(HeuristicPool, SizesBeyondTheTableAddNothing) {
   EXPECT_EQ(movesOf(buildTwoEqualities, {{"neighborhoodSize", 2147483647}}),
             movesOf(buildTwoEqualities, {{"neighborhoodSize", 11}}));

@@ -49,7 +49,8 @@ Failure failureOf(Call&& call) {
   try {
     call();
   } catch (const QVException& e) {
-    return {e.getFunctionName(), e.getExplanation(), e.getFileName(), dynamic_cast<const KernelException*>(&e) != nullptr};
+    return {e.getFunctionName(), e.getExplanation(), e.getFileName(),
+            dynamic_cast<const KernelException*>(&e) != nullptr};
   }
   return {};
 }

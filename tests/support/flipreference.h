@@ -6,11 +6,11 @@
 
 namespace quvex {
 
-/// What a flip, raise or lower of one constraint node over boolean decisions should do, written down naively: the values
-/// of the operands, which of them are flipped already, and the draws.
+/// What a flip, raise or lower of one constraint node over boolean decisions should do, written down naively: the
+/// values of the operands, which of them are flipped already, and the draws.
 class FlipReference {
  public:
-  std::vector<bool> value;      ///< by operand position, in the simulation
+  std::vector<bool> value;  ///< by operand position, in the simulation
   std::vector<bool> isFlipped;
   RandomState state;
   std::vector<OperandPos> flips;  ///< in order

@@ -29,9 +29,7 @@ class GraphBuilder {
   NodeId add(NodeType type, const std::vector<NodeId>& operands, const std::vector<t_value>& constants = {}) {
     return fixed.addNode(type, operands, constants);
   }
-  NodeId add(NodeType type, std::initializer_list<NodeId> operands) {
-    return add(type, std::vector<NodeId>(operands));
-  }
+  NodeId add(NodeType type, std::initializer_list<NodeId> operands) { return add(type, std::vector<NodeId>(operands)); }
   void constraint(NodeId id) { fixed.addConstraint(id); }
   void minimise(NodeId id) { fixed.addObjective(id, 0); }
   void maximise(NodeId id) { fixed.addObjective(id, 1); }

@@ -10,8 +10,9 @@
 
 namespace quvex {
 
-/// Recomputes the values of the simulation from its decisions. What a sum of doubles or a comparison of doubles showed at
-/// creation stays in its value; so the oracle must be made right after the simulation, and adds true changes to that.
+/// Recomputes the values of the simulation from its decisions. What a sum of doubles or a comparison of doubles showed
+/// at creation stays in its value; so the oracle must be made right after the simulation, and adds true changes to
+/// that.
 class TreeOracle {
  public:
   explicit TreeOracle(const AutonomousStructure& ownStructure) : structure(ownStructure) {
@@ -148,8 +149,7 @@ class TreeOracle {
       }
       return true;
     }
-    const bool isComparison =
-        typeOf(id) == NodeType::Leq || typeOf(id) == NodeType::Geq || typeOf(id) == NodeType::Eq;
+    const bool isComparison = typeOf(id) == NodeType::Leq || typeOf(id) == NodeType::Geq || typeOf(id) == NodeType::Eq;
     return isComparison || structure.structures.staticNodes[s]->isFlat(structure.structures);
   }
 };

@@ -41,7 +41,9 @@ namespace quvex {
 /// The product, or an extreme integer as soon as the operands have 62 significant bits together (one bit of each is
 /// not counted). A zero factor against a huge one therefore gives the lowest integer: a bound only gets wider by it.
 [[nodiscard]] constexpr std::int64_t saturatingMul(std::int64_t a, std::int64_t b) {
-  const auto halfBits = [](std::int64_t x) { return std::bit_width(static_cast<std::uint64_t>(saturatingAbs(x)) >> 1U); };
+  const auto halfBits = [](std::int64_t x) {
+    return std::bit_width(static_cast<std::uint64_t>(saturatingAbs(x)) >> 1U);
+  };
   if (halfBits(a) + halfBits(b) < 62) return a * b;
   const bool sameSign = (a > 0 && b > 0) || (a < 0 && b < 0);
   return sameSign ? kHighestInt : kLowestInt;

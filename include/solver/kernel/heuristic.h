@@ -28,10 +28,10 @@ class Heuristic {
   bool stopRequested = false;  ///< set by the parallelizer on this thread
   std::uint32_t optimizedObjective = 0;
   std::vector<std::unique_ptr<Move>> moves;
-  std::vector<Move*> pool;         ///< each move `poolWeight` times: one access draws by weight
-  std::int64_t startTime = 0;      ///< seconds since the epoch
-  std::uint64_t iterations = 0;    ///< of the current run
-  std::int64_t bestTime = 0;       ///< seconds from the start to the last improvement
+  std::vector<Move*> pool;       ///< each move `poolWeight` times: one access draws by weight
+  std::int64_t startTime = 0;    ///< seconds since the epoch
+  std::uint64_t iterations = 0;  ///< of the current run
+  std::int64_t bestTime = 0;     ///< seconds from the start to the last improvement
   std::uint64_t bestIteration = 0;
   Solution bestSolution;
 

@@ -7,8 +7,8 @@
 
 namespace quvex {
 
-/// Memory of one `Dag`'s nodes: one free-running allocator per object size from 1 to 128 bytes, set up when first asked.
-/// Objects are packed in few chunks and never returned one by one; the chunks go with the pool.
+/// Memory of one `Dag`'s nodes: one free-running allocator per object size from 1 to 128 bytes, set up when first
+/// asked. Objects are packed in few chunks and never returned one by one; the chunks go with the pool.
 class NodePool {
  public:
   static constexpr std::size_t kMaxObjectSize = 128;

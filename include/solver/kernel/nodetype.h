@@ -24,6 +24,8 @@ inline constexpr unsigned kNbNodeTypes = 61;
          type == NodeType::ConstArray || type == NodeType::DoubleConstant;
 }
 
-[[nodiscard]] constexpr bool isDecision(NodeType type) { return type == NodeType::Boolean || type == NodeType::Integer; }
+[[nodiscard]] constexpr bool isDecision(NodeType type) {
+  return type == NodeType::Boolean || type == NodeType::Integer;
+}
 
 }  // namespace quvex

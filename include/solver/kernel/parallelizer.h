@@ -17,8 +17,8 @@ namespace quvex {
 
 class Heuristic;
 
-/// Runs one heuristic per thread and controls them at iteration boundaries: start, pause, resume, end, and the way of an
-/// exception from a search thread to the caller. No solution passes between threads.
+/// Runs one heuristic per thread and controls them at iteration boundaries: start, pause, resume, end, and the way of
+/// an exception from a search thread to the caller. No solution passes between threads.
 ///
 /// The first heuristic to end fixes an iteration count, and the others stop at that count: under an iteration limit the
 /// result does not depend on the scheduler.

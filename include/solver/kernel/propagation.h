@@ -13,9 +13,11 @@ namespace quvex {
 class Dag;
 class DagFixedFields;
 
-/// Place of a queue in `rankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are the
-/// order of evaluation.
+/// Place of a queue in `rankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are
+/// the order of evaluation.
 using QueueSlot = std::uint32_t;
+[[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
+[[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
 /// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
 /// entries need no sorting among themselves, so a plain list beats a heap.
@@ -59,8 +61,8 @@ class Propagation {
   std::int64_t committedNbViolated = 0;
   std::int64_t tentativeViolation = 0;  ///< sum of `violation` over inactive constraints
   std::int64_t committedViolation = 0;
-  Level doneLevel = 0;       ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
-  Level optimizedLevel = 0;  ///< last stage that the search cares about
+  Level doneLevel = 0;                   ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
+  Level optimizedLevel = 0;              ///< last stage that the search cares about
   std::vector<NodeId> touchedDecisions;  ///< in the order of setting
   IndexedSet activeConstraints;          ///< may no longer be violated
   IndexedSet violatedConstraints;        ///< inactive and now false
@@ -98,8 +100,8 @@ class Propagation {
   void addListener(DagListener* listener) { listeners.push_back(listener); }
   void removeListener(DagListener* listener);
 
-  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues[2 * r + 1].list(); }
-  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues[2 * r].list(); }
+  [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues[ordinarySlot(r)].list(); }
+  [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues[constraintSlot(r)].list(); }
   [[nodiscard]] std::span<const NodeId> currentDeferredNodes() const { return deferredNodes; }
 
  private:

@@ -13,8 +13,8 @@ class Dag;
 
 /// A snapshot of one `Dag`: decisions, objective values, violated count and the satisfied constraints.
 /// It listens to its `Dag`'s commits, so that a save copies only what differs from the previous one.
-/// Invariant between commits: `changedDecisions` holds exactly the positions where the snapshot differs from the `Dag`'s
-/// committed decisions. It lives no longer than its `Dag`.
+/// Invariant between commits: `changedDecisions` holds exactly the positions where the snapshot differs from the
+/// `Dag`'s committed decisions. It lives no longer than its `Dag`.
 class Solution : public DagListener {
  public:
   static constexpr const char* kName = "quvex::Solution";

@@ -20,21 +20,25 @@ class StaticConstraintNodeBool final : public StaticConstraintNode {
 };
 
 /// A boolean decision in the simulation, where every descent ends.
-/// Invariant: no state. The value is the committed one, inverted if the decision is among the simulated flips, so a
-/// commit that empties that set leaves all values right at once. A decision flips at most once per simulation.
+/// Invariant: no state but its place in the tree. The value is the committed one, inverted if the decision is among the
+/// simulated flips, so a commit that empties that set leaves all values right at once. A decision flips at most once
+/// per simulation.
 class DynamicConstraintNodeBool final : public DynamicConstraintNode {
  public:
   static constexpr const char* kName = "quvex::DynamicConstraintNodeBool";
 
   DynamicConstraintNodeBool(AutonomousStructure& owner, const StaticConstraintNodeBool& fixedHalf)
-      : DynamicConstraintNode(owner), self(fixedHalf) {}
+      : DynamicConstraintNode(owner),
+        index(fixedHalf.index),
+        nodeId(fixedHalf.nodeId),
+        decisionIndex(fixedHalf.decisionIndex) {}
 
   /// Tells the tree that the decision goes to `newValue` in the simulation.
   void announce(bool newValue) {
-    notifyParents(self, std::int64_t{!newValue}, std::int64_t{newValue}, !newValue, newValue);
+    notifyParents(index, std::int64_t{!newValue}, std::int64_t{newValue}, !newValue, newValue);
   }
 
-  [[nodiscard]] const StaticConstraintNode& staticNode() const override { return self; }
+  [[nodiscard]] const StaticConstraintNode& staticNode() const override;
   [[nodiscard]] std::int64_t value() const override { return isOne() ? 1 : 0; }
 
   bool flip(RandomState& state, bool strict) override;
@@ -52,7 +56,10 @@ class DynamicConstraintNodeBool final : public DynamicConstraintNode {
   void check() const override {}
 
  private:
-  const StaticConstraintNodeBool& self;
+  // Copies from the fixed half, since a flip of one of very many decisions mostly waits for memory.
+  StaticIndex index;
+  NodeId nodeId;
+  BooleanIndex decisionIndex;
 
   [[nodiscard]] bool isOne() const;
 };

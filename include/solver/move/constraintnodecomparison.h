@@ -110,20 +110,20 @@ class StaticComparison : public StaticConstraintNode {
 };
 
 /// One comparison: both halves, the live one with its name for failures.
-#define QUVEX_COMPARISON(Name, Word, Cells, Relation)                                                        \
-  class DynamicConstraintNode##Name final                                                                    \
-      : public DynamicComparisonNode<DynamicConstraintNode##Name, Cells, Relation> {                         \
-   public:                                                                                                   \
-    static constexpr const char* kClass = "DynamicConstraintNode" #Name;                                     \
-    static constexpr const char* kName = "quvex::DynamicConstraintNode" #Name;                               \
-    using DynamicComparisonNode::DynamicComparisonNode;                                                      \
-  };                                                                                                         \
-  extern template class DynamicComparisonNode<DynamicConstraintNode##Name, Cells, Relation>;                 \
-  class StaticConstraintNode##Name final                                                                     \
-      : public StaticComparison<StaticConstraintNode##Name, DynamicConstraintNode##Name> {                   \
-   public:                                                                                                   \
-    static constexpr const char* kWord = Word;                                                               \
-    using StaticComparison::StaticComparison;                                                                \
+#define QUVEX_COMPARISON(Name, Word, Cells, Relation)                                        \
+  class DynamicConstraintNode##Name final                                                    \
+      : public DynamicComparisonNode<DynamicConstraintNode##Name, Cells, Relation> {         \
+   public:                                                                                   \
+    static constexpr const char* kClass = "DynamicConstraintNode" #Name;                     \
+    static constexpr const char* kName = "quvex::DynamicConstraintNode" #Name;               \
+    using DynamicComparisonNode::DynamicComparisonNode;                                      \
+  };                                                                                         \
+  extern template class DynamicComparisonNode<DynamicConstraintNode##Name, Cells, Relation>; \
+  class StaticConstraintNode##Name final                                                     \
+      : public StaticComparison<StaticConstraintNode##Name, DynamicConstraintNode##Name> {   \
+   public:                                                                                   \
+    static constexpr const char* kWord = Word;                                               \
+    using StaticComparison::StaticComparison;                                                \
   };
 
 QUVEX_COMPARISON(Leq, "leq(", IntegerCells, LeqRelation)

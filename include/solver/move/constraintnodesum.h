@@ -74,8 +74,7 @@ class DynamicSumNode : public DynamicConstraintNodeAggregate {
 };
 
 template <class Set>
-class DynamicConstraintNodeSum final
-    : public DynamicSumNode<DynamicConstraintNodeSum<Set>, Set, Plain<IntegerCells>> {
+class DynamicConstraintNodeSum final : public DynamicSumNode<DynamicConstraintNodeSum<Set>, Set, Plain<IntegerCells>> {
  public:
   static constexpr const char* kClass = "DynamicConstraintNodeSum";
   static constexpr bool kNamesItself = true;

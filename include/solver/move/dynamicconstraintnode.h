@@ -20,7 +20,8 @@ class StaticConstraintNode;
 /// `operandChanged` alone, never recomputed.
 ///
 /// For those who derive:
-/// - `flip`, `raise`, `lower` and `pickOperand` fail by returning false. A failed call may leave flips behind, which the
+/// - `flip`, `raise`, `lower` and `pickOperand` fail by returning false. A failed call may leave flips behind, which
+/// the
 ///   move undoes with the rest.
 /// - `strict` refuses at once when the node is already on the wanted side; otherwise the node is pushed further.
 /// - every change of state ends in `notifyParents`.
@@ -77,15 +78,14 @@ class DynamicConstraintNode {
 
  protected:
   /// Tells the simulation's violated set and the parents that serve a constraint. Nobody learns anything when the value
-  /// stays the same, also when the abilities change. `self` is the fixed half of this node.
-  void notifyParents(const StaticConstraintNode& self, std::int64_t oldValue, std::int64_t newValue, bool canRaise,
-                     bool canLower);
-  void notifyParents(const StaticConstraintNode& self, double oldValue, double newValue, bool canRaise, bool canLower);
+  /// stays the same, also when the abilities change. `self` is the static index of this node.
+  void notifyParents(StaticIndex self, std::int64_t oldValue, std::int64_t newValue, bool canRaise, bool canLower);
+  void notifyParents(StaticIndex self, double oldValue, double newValue, bool canRaise, bool canLower);
 
  private:
   /// Both forms; `tell` is the operation of the parents.
   template <class Value, class Tell>
-  void spread(const StaticConstraintNode& self, Value oldValue, Value newValue, Tell tell);
+  void spread(StaticIndex self, Value oldValue, Value newValue, Tell tell);
 };
 
 }  // namespace quvex

@@ -7,10 +7,10 @@
 
 namespace quvex {
 
-/// Flips a few decisions in the simulation, repairs the constraints that broke by further flips, which may eject others,
-/// and hands the whole over: the ejection chains of F. Glover, Ejection chains, reference structures and alternating path
-/// methods for traveling salesman problems (1996), over arbitrary constraints.
-/// Invariant: between attempts nothing is flipped in the simulation. The rate is a percentage and is not checked.
+/// Flips a few decisions in the simulation, repairs the constraints that broke by further flips, which may eject
+/// others, and hands the whole over: the ejection chains of F. Glover, Ejection chains, reference structures and
+/// alternating path methods for traveling salesman problems (1996), over arbitrary constraints. Invariant: between
+/// attempts nothing is flipped in the simulation. The rate is a percentage and is not checked.
 class MoveEjectionChain : public Move {
  public:
   static constexpr const char* kName = "quvex::MoveEjectionChain";

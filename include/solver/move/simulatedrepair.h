@@ -44,7 +44,8 @@ class SimulatedRepair {
   /// Descends from both nodes to flat ones, and flips a decision that lies under both. False at a dead end.
   [[nodiscard]] bool flipShared(Descent x, Descent y);
 
-  /// At the end of an attempt: undoes the simulation of what will not be committed. A commit tells the structure itself.
+  /// At the end of an attempt: undoes the simulation of what will not be committed. A commit tells the structure
+  /// itself.
   void conclude(Outcome outcome);
 
   /// One attempt runs several steps and must not be credited as if it were one move.

@@ -26,8 +26,7 @@ bool GreedySolution::computeSolution(Dag& dag) {
 void GreedySolution::tryToSet(Dag& dag, NodeId id) {
   Propagation& propagation = dag.propagation;
   propagation.setTentativeValue(dag, id, 1);
-  const bool kept = propagation.evaluateConstraints(dag) &&
-                    propagation.evaluateUpTo(dag, propagation.optimizedLevel) &&
+  const bool kept = propagation.evaluateConstraints(dag) && propagation.evaluateUpTo(dag, propagation.optimizedLevel) &&
                     propagation.tentativeNbViolated <= propagation.committedNbViolated;
   if (!kept) {
     propagation.rollbackAll(dag);

@@ -100,8 +100,8 @@ void Heuristic::run() {
 std::int64_t Heuristic::elapsedSeconds() const { return std::time(nullptr) - startTime; }
 
 bool Heuristic::mayContinue() const {
-  return !stopRequested && iterations < iterationLimit &&
-         static_cast<std::uint32_t>(elapsedSeconds()) < timeLimit && !boundsReached() && !pool.empty();
+  return !stopRequested && iterations < iterationLimit && static_cast<std::uint32_t>(elapsedSeconds()) < timeLimit &&
+         !boundsReached() && !pool.empty();
 }
 
 /// Whether no objective of this phase can still come nearer to its bound, the user's or the computed one.

@@ -47,7 +47,8 @@ void Node::printCommon(const Dag& dag, NodeId id) const {
   printItem(fixed, id, "\nmax=", fixed.maxBounds[id]);
   for (OperandPos p = 0; p < fixed.nbChildren[id]; ++p) {
     const NodeId child = fixed.child(id, p);
-    std::cout << "\nchildNode[" << p << "]= id=" << child << " type=" << NodeTypeUtils::toString(fixed.nodeTypes[child]);
+    std::cout << "\nchildNode[" << p << "]= id=" << child
+              << " type=" << NodeTypeUtils::toString(fixed.nodeTypes[child]);
     printItem(fixed, child, " value=", dag.nodeValue[child]);
     printItem(fixed, child, " t_value=", dag.tentativeValue[child]);
     printItem(fixed, child, " min=", fixed.minBounds[child]);

@@ -45,7 +45,8 @@ void Propagation::initQueues(const DagFixedFields& fixed) {
   std::vector<std::uint32_t> capacities(nbSlots, 0);
   slotOfNode.resize(fixed.nbNodes);
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    slotOfNode[id] = 2 * fixed.nodeRanks[id] + (fixed.isConstraint(id) ? 0 : 1);
+    const Rank r = fixed.nodeRanks[id];
+    slotOfNode[id] = fixed.isConstraint(id) ? constraintSlot(r) : ordinarySlot(r);
     ++capacities[slotOfNode[id]];
   }
   queueRoom.assign(fixed.nbNodes, 0);
@@ -161,11 +162,11 @@ void Propagation::commitAll(Dag& dag) {
   if (lowestSlot != kNone) {
     // Ranks go down, but within a rank the constraints still come first.
     for (Rank r = highestSlot / 2 + 1; r-- > lowestSlot / 2;) {
-      for (const NodeId id : rankQueues[2 * r].list()) {
+      for (const NodeId id : rankQueues[constraintSlot(r)].list()) {
         commitNode(dag, id);
         commitConstraint(dag, id);
       }
-      for (const NodeId id : rankQueues[2 * r + 1].list()) commitNode(dag, id);
+      for (const NodeId id : rankQueues[ordinarySlot(r)].list()) commitNode(dag, id);
     }
   }
   endMove();

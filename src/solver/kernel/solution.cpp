@@ -77,8 +77,8 @@ void Solution::restore(Dag& target) const {
   for (std::uint32_t p = 0; p < decisions.size(); ++p) {
     propagation.setTentativeValue(target, target.fixed.decisionList[p], decisions[p]);
   }
-  const bool evaluated = propagation.evaluateConstraints(target) &&
-                         propagation.evaluateUpTo(target, propagation.optimizedLevel);
+  const bool evaluated =
+      propagation.evaluateConstraints(target) && propagation.evaluateUpTo(target, propagation.optimizedLevel);
   if (evaluated) {
     propagation.commitAll(target);
     propagation.catchUp(target);

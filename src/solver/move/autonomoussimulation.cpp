@@ -24,7 +24,8 @@ void AutonomousStructure::createDynamicNodes() {
     if (node != nullptr) dynamicBooleans[b] = static_cast<DynamicConstraintNodeBool*>(dynamicNodes[node->index].get());
   }
   for (StaticIndex s = 0; s < nbNodes; ++s) {
-    if (dag.fixed.isConstraint(structures.staticNodes[s]->nodeId) && dynamicNodes[s]->value() == 0) violatedNodes.add(s);
+    if (dag.fixed.isConstraint(structures.staticNodes[s]->nodeId) && dynamicNodes[s]->value() == 0)
+      violatedNodes.add(s);
   }
 }
 

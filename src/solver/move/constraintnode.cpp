@@ -46,32 +46,28 @@ void DynamicConstraintNode::collectCommon(RandomState&, std::span<const StaticIn
                                           std::uint32_t) const {}
 
 template <class Value, class Tell>
-void DynamicConstraintNode::spread(const StaticConstraintNode& self, Value oldValue, Value newValue, Tell tell) {
+void DynamicConstraintNode::spread(StaticIndex self, Value oldValue, Value newValue, Tell tell) {
   if (oldValue == newValue) return;
-  const DagFixedFields& fixed = structure.dag.fixed;
-  if (fixed.isConstraint(self.nodeId)) {
+  const TreeLinks& links = structure.structures.treeLinks;
+  if (links.isConstraint(self)) {
     if (newValue != 0) {
-      structure.violatedNodes.remove(self.index);
+      structure.violatedNodes.remove(self);
     } else {
-      structure.violatedNodes.add(self.index);
+      structure.violatedNodes.add(self);
     }
   }
-  const ParentRun run = fixed.parentRun(self.nodeId);
-  const std::span<const ParentLink> parents{fixed.parents.data() + run.start(), run.count(0)};
-  for (const ParentLink& link : parents) {
-    if (DynamicConstraintNode* parent = structure.dynamicNodeOf(link.parent)) tell(*parent, link.childPos);
-  }
+  for (const TreeParent& link : links.parentsOf(self)) tell(*structure.dynamicNodes[link.parent], link.childPos);
 }
 
-void DynamicConstraintNode::notifyParents(const StaticConstraintNode& self, std::int64_t oldValue,
-                                          std::int64_t newValue, bool canRaise, bool canLower) {
+void DynamicConstraintNode::notifyParents(StaticIndex self, std::int64_t oldValue, std::int64_t newValue, bool canRaise,
+                                          bool canLower) {
   spread(self, oldValue, newValue, [=](DynamicConstraintNode& parent, OperandPos p) {
     parent.operandChanged(p, oldValue, newValue, canRaise, canLower);
   });
 }
 
-void DynamicConstraintNode::notifyParents(const StaticConstraintNode& self, double oldValue, double newValue,
-                                          bool canRaise, bool canLower) {
+void DynamicConstraintNode::notifyParents(StaticIndex self, double oldValue, double newValue, bool canRaise,
+                                          bool canLower) {
   spread(self, oldValue, newValue, [=](DynamicConstraintNode& parent, OperandPos p) {
     parent.operandChangedDouble(p, oldValue, newValue, canRaise, canLower);
   });

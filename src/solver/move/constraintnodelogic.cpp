@@ -25,7 +25,7 @@ void DynamicLogicNode<Derived, Set, RestSide>::operandChanged(OperandPos positio
   returnable.set(position, nbOperands(), kRestsTrue ? canRaise : canLower);
   const bool canReturn = !returnable.empty();
   const bool canTurn = isResting();
-  notifyParents(self, oldTruth, value(), kRestsTrue ? canReturn : canTurn, kRestsTrue ? canTurn : canReturn);
+  notifyParents(self.index, oldTruth, value(), kRestsTrue ? canReturn : canTurn, kRestsTrue ? canTurn : canReturn);
 }
 
 template <class Derived, class Set, Direction RestSide>
@@ -64,7 +64,8 @@ void DynamicLogicNode<Derived, Set, RestSide>::check() const {
 }
 
 template <class Set>
-DynamicConstraintNodeAnd<Set>::DynamicConstraintNodeAnd(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf)
+DynamicConstraintNodeAnd<Set>::DynamicConstraintNodeAnd(AutonomousStructure& owner,
+                                                        const StaticConstraintNode& fixedHalf)
     : DynamicLogicNode<DynamicConstraintNodeAnd<Set>, Set, Direction::Up>(owner, fixedHalf) {}
 
 template <class Set>

@@ -60,7 +60,7 @@ void DynamicSumNode<Derived, Set, Weight>::follow(OperandPos p, Value oldValue, 
   const Value oldTotal = total;
   total = Cells::add(total, Weight::term(fixed(), self.nodeId, p, Cells::subtract(newValue, oldValue)));
   setAbilities(p, canRaise, canLower);
-  notifyParents(self, oldTotal, total, !raisable.empty(), !lowerable.empty());
+  notifyParents(self.index, oldTotal, total, !raisable.empty(), !lowerable.empty());
 }
 
 template <class Derived, class Set, class Weight>
@@ -130,19 +130,23 @@ void DynamicSumNode<Derived, Set, Weight>::failCheck(const Place& place, int num
 }
 
 template <class Set>
-DynamicConstraintNodeSum<Set>::DynamicConstraintNodeSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf)
+DynamicConstraintNodeSum<Set>::DynamicConstraintNodeSum(AutonomousStructure& owner,
+                                                        const StaticConstraintNode& fixedHalf)
     : DynamicSumNode<DynamicConstraintNodeSum<Set>, Set, Plain<IntegerCells>>(owner, fixedHalf) {}
 
 template <class Set>
-DynamicConstraintNodeScalarSum<Set>::DynamicConstraintNodeScalarSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf)
+DynamicConstraintNodeScalarSum<Set>::DynamicConstraintNodeScalarSum(AutonomousStructure& owner,
+                                                                    const StaticConstraintNode& fixedHalf)
     : DynamicSumNode<DynamicConstraintNodeScalarSum<Set>, Set, Scaled<IntegerCells>>(owner, fixedHalf) {}
 
 template <class Set>
-DynamicConstraintNodeDoubleSum<Set>::DynamicConstraintNodeDoubleSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf)
+DynamicConstraintNodeDoubleSum<Set>::DynamicConstraintNodeDoubleSum(AutonomousStructure& owner,
+                                                                    const StaticConstraintNode& fixedHalf)
     : DynamicSumNode<DynamicConstraintNodeDoubleSum<Set>, Set, Plain<DoubleCells>>(owner, fixedHalf) {}
 
 template <class Set>
-DynamicConstraintNodeDoubleScalarSum<Set>::DynamicConstraintNodeDoubleScalarSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf)
+DynamicConstraintNodeDoubleScalarSum<Set>::DynamicConstraintNodeDoubleScalarSum(AutonomousStructure& owner,
+                                                                                const StaticConstraintNode& fixedHalf)
     : DynamicSumNode<DynamicConstraintNodeDoubleScalarSum<Set>, Set, Scaled<DoubleCells>>(owner, fixedHalf) {}
 
 QUVEX_OVER_SUBSETS(template, DynamicConstraintNodeSum);

@@ -21,8 +21,8 @@ bool MoveBinPacking::apply() {
   return repair.run(nbViolatedAtStart, [this, anchor] { return transferStep(anchor); });
 }
 
-/// Climbs from a target to the top of a random path of the tree, and pushes that node up. A node that is true already is
-/// pushed further, which breaks or tightens what lies under it.
+/// Climbs from a target to the top of a random path of the tree, and pushes that node up. A node that is true already
+/// is pushed further, which breaks or tightens what lies under it.
 StaticIndex MoveBinPacking::targetedStart() {
   NodeId target = kNone;
   if (!drawTarget(targetingRate, target)) return kNone;

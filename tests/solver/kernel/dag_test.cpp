@@ -130,8 +130,7 @@ TEST(Dag, DumpsANodeThatDisagreesWithItsOperands) {
   dag.nodes[no]->check(dag, no);
   dag.nodeValue[no] = dag.tentativeValue[no] = 0;
   CapturedOutput output;
-  EXPECT_EQ(failureOf([&] { dag.nodes[no]->check(dag, no); }),
-            refusal("Node::check", "Error in check of operator."));
+  EXPECT_EQ(failureOf([&] { dag.nodes[no]->check(dag, no); }), refusal("Node::check", "Error in check of operator."));
   EXPECT_EQ(output.text(),
             "\n\nId= 1\nOperator= not\nisInit=0\nvalue=0\nt_value=0\nmin=0\nmax=1\n"
             "childNode[0]= id=0 type=boolean value=0 t_value=0 min=0 max=1\n");

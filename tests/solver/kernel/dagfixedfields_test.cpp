@@ -31,8 +31,9 @@ TEST(DagFixedFields, ReportsANodeThatNoSourceReaches) {
   GraphBuilder graph;
   graph.boolean();
   graph.add(NodeType::Sum, std::vector<NodeId>{});
-  EXPECT_EQ(failureOf([&] { graph.fixed.init(); }),
-            refusal("DagFixedFields::computeRanks", "The operator sum is not accessible from the variables and constants."));
+  EXPECT_EQ(
+      failureOf([&] { graph.fixed.init(); }),
+      refusal("DagFixedFields::computeRanks", "The operator sum is not accessible from the variables and constants."));
 }
 
 TEST(DagFixedFields, RanksByTheLongestPathFromASource) {

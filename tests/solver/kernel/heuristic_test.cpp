@@ -189,8 +189,7 @@ TEST_F(InfeasibleStart, StaysAtLevelZero) {
 TEST_F(InfeasibleStart, JudgesByViolationAloneAndIsPromotedWhenFeasible) {
   HeuristicDescent heuristic(*dag);
   heuristic.setOptimizedObjective(1);
-  auto script = std::make_unique<FlipMove>(
-      *dag, state, std::vector<std::vector<NodeId>>{{x}, {y}, {z}, {x}, {y}});
+  auto script = std::make_unique<FlipMove>(*dag, state, std::vector<std::vector<NodeId>>{{x}, {y}, {z}, {x}, {y}});
   Move& move = *script;
   heuristic.addMove(std::move(script));
   heuristic.setIterationLimit(2);

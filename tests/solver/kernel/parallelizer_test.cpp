@@ -32,8 +32,8 @@ struct SomeThreads : testing::Test {
     dags.push_back(std::make_unique<Dag>(graph.fixed));
     dags.back()->init();
     heuristics.push_back(std::make_unique<HeuristicDescent>(*dags.back()));
-    auto move = std::make_unique<FlipMove>(*dags.back(), states[dags.size() - 1],
-                                           std::vector<std::vector<NodeId>>{{y}});
+    auto move =
+        std::make_unique<FlipMove>(*dags.back(), states[dags.size() - 1], std::vector<std::vector<NodeId>>{{y}});
     moves.push_back(move.get());
     heuristics.back()->addMove(std::move(move));
     heuristics.back()->setIterationLimit(iterationLimit);

@@ -14,8 +14,8 @@ struct SolutionOfThree : testing::Test {
   GraphBuilder graph;
   std::vector<NodeId> x = graph.booleans(3);
   NodeId sum = graph.add(NodeType::Sum, x);
-  NodeId tiny = graph.add(NodeType::DoubleScalarSum, x,
-                          {doubleToWord(1.0), doubleToWord(1.0000001), doubleToWord(5.0)});
+  NodeId tiny =
+      graph.add(NodeType::DoubleScalarSum, x, {doubleToWord(1.0), doubleToWord(1.0000001), doubleToWord(5.0)});
   NodeId weighted = graph.add(NodeType::ScalarSum, x, {7, 8, 9});
   Dag* dag = nullptr;
 

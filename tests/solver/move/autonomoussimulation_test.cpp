@@ -219,7 +219,8 @@ class RandomTree : public TreeGraph {
       case 5: {
         const Ids operands = someOf(rand(draws, 3) == 0 && !numbers.empty() ? numbers : truths);
         std::vector<t_value> coefficients;
-        for (std::size_t i = 0; i < operands.size(); ++i) coefficients.push_back(static_cast<t_value>(rand(draws, 7)) - 3);
+        for (std::size_t i = 0; i < operands.size(); ++i)
+          coefficients.push_back(static_cast<t_value>(rand(draws, 7)) - 3);
         numbers.push_back(add(NodeType::ScalarSum, operands, coefficients));
         return;
       }
@@ -233,21 +234,25 @@ class RandomTree : public TreeGraph {
       case 10: {
         const Ids operands = someOf(rand(draws, 3) == 0 && !doubles.empty() ? doubles : truths);
         std::vector<t_value> coefficients;
-        for (std::size_t i = 0; i < operands.size(); ++i) coefficients.push_back(doubleToWord(0.5 * rand(draws, 9) - 2.0));
+        for (std::size_t i = 0; i < operands.size(); ++i)
+          coefficients.push_back(doubleToWord(0.5 * rand(draws, 9) - 2.0));
         doubles.push_back(add(NodeType::DoubleScalarSum, operands, coefficients));
         return;
       }
       case 11: {
         constexpr NodeType kTypes[] = {NodeType::DoubleLeq, NodeType::DoubleGeq, NodeType::DoubleEq};
         if (doubles.empty()) return;
-        const NodeId other = rand(draws, 4) == 0 ? constantDouble(1.5) : rand(draws, 2) == 0 ? constant(1) : anyOf(doubles);
+        const NodeId other = rand(draws, 4) == 0   ? constantDouble(1.5)
+                             : rand(draws, 2) == 0 ? constant(1)
+                                                   : anyOf(doubles);
         truths.push_back(add(kTypes[rand(draws, 3)], {anyOf(doubles), other}));
         return;
       }
       default: {
         constexpr NodeType kTypes[] = {NodeType::Leq, NodeType::Geq, NodeType::Eq};
         if (numbers.empty()) return;
-        const NodeId other = rand(draws, 2) == 0 ? constant(rand(draws, 4)) : anyOf(rand(draws, 2) == 0 ? numbers : truths);
+        const NodeId other =
+            rand(draws, 2) == 0 ? constant(rand(draws, 4)) : anyOf(rand(draws, 2) == 0 ? numbers : truths);
         const NodeId one = anyOf(numbers);
         const bool isSwapped = rand(draws, 2) == 0;
         truths.push_back(add(kTypes[rand(draws, 3)], isSwapped ? Ids{other, one} : Ids{one, other}));
@@ -334,7 +339,8 @@ TEST(AutonomousSimulation, StaysConsistentOverMixedRuns) {
   TreeOracle oracle(structure);
   HeuristicDescent heuristic(dag);
   std::vector<std::unique_ptr<Move>> moves;
-  for (const std::uint32_t k : {1U, 2U, 3U}) moves.push_back(std::make_unique<MoveSimpleKFlip>(k, 1, 50, structure, dag));
+  for (const std::uint32_t k : {1U, 2U, 3U})
+    moves.push_back(std::make_unique<MoveSimpleKFlip>(k, 1, 50, structure, dag));
   moves.push_back(std::make_unique<MoveKSwap>(1, 1, 50, structure, dag));
   moves.push_back(std::make_unique<MoveSequence>(3, 1, 50, heuristic, structure, dag));
   for (const auto& [steps, flips, slack] : {std::tuple{2U, 2U, 1U}, std::tuple{3U, 3U, 1U}, std::tuple{4U, 4U, 2U}}) {

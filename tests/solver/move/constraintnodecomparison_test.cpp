@@ -174,7 +174,8 @@ TEST_P(ConstraintNodeComparison, PicksAnOperandOneStepDown) {
         RandomState state = seed;
         StaticIndex operand = kNone;
         Direction direction = Direction::Up;
-        ASSERT_EQ(graph.node().pickOperand(state, up ? Direction::Up : Direction::Down, operand, direction), p != kNone);
+        ASSERT_EQ(graph.node().pickOperand(state, up ? Direction::Up : Direction::Down, operand, direction),
+                  p != kNone);
         EXPECT_EQ(state, expected.state) << "a refusal draws nothing";
         if (p == kNone) continue;
         EXPECT_EQ(operand, graph.staticIndex(graph.x[p]));
@@ -320,8 +321,7 @@ TEST(ConstraintNodeDouble, ForgivesWhatIsNearlyZero) {
         std::tuple{NodeType::DoubleEq, 5e-7, 1}, std::tuple{NodeType::DoubleEq, -2e-6, 0}}) {
     TreeGraph graph;
     const Ids x = graph.booleans(2);
-    const NodeId sum =
-        graph.add(NodeType::DoubleScalarSum, x, {doubleToWord(coefficient), doubleToWord(coefficient)});
+    const NodeId sum = graph.add(NodeType::DoubleScalarSum, x, {doubleToWord(coefficient), doubleToWord(coefficient)});
     const NodeId root = graph.require(type, {sum, graph.constant(0)});
     graph.grow();
     graph.simulate(x[0]);

@@ -254,8 +254,9 @@ TEST_P(ConstraintNodeLogic, ChecksMissingMembersAndTheCounter) {
   // Back and forth, and in the end it seems unable to return.
   graph.node().operandChanged(1, off, 1 - off, true, true);
   graph.node().operandChanged(1, 1 - off, off, false, false);
-  EXPECT_EQ(failureOf([&] { graph.node().check(); }),
-            refusal(function, (isAnd ? "check() : 1 " : "check() : 2 ") + std::to_string(graph.staticIndex(graph.root))));
+  EXPECT_EQ(
+      failureOf([&] { graph.node().check(); }),
+      refusal(function, (isAnd ? "check() : 1 " : "check() : 2 ") + std::to_string(graph.staticIndex(graph.root))));
   graph.node().operandChanged(1, off, 1 - off, true, true);
   EXPECT_EQ(failureOf([&] { graph.node().check(); }), refusal(function, "check() : 2"));
   graph.node().operandChanged(1, 1 - off, off, true, true);

@@ -16,9 +16,9 @@ constexpr std::uint32_t kCounts[] = {1, 3, 8, 9, 17, 33, 64, 65, 1024, 1025, 655
 /// One sum of each kind.
 struct SumKind {
   NodeType type;
-  const char* name;   ///< of the dynamic class
-  const char* word;   ///< of the debug dump
-  bool namesItself;   ///< in the messages of `check`
+  const char* name;  ///< of the dynamic class
+  const char* word;  ///< of the debug dump
+  bool namesItself;  ///< in the messages of `check`
   bool isScaled;
   bool isDouble;
 };
@@ -244,8 +244,8 @@ TEST_P(ConstraintNodeSum, ReadsDoublesOnlyAsASumOfDoubles) {
   graph.grow();
   graph.node().operandChangedDouble(0, 0.0, 1.0, false, true);
   EXPECT_NEAR(graph.node().valueDouble(), GetParam().isDouble ? graph.coefficient(0) : 0.0, 1e-12);
-  EXPECT_EQ(graph.node().nbLowerable(), GetParam().isDouble ? (GetParam().isScaled ? 2U : 1U)
-                                                            : (GetParam().isScaled ? 1U : 0U));
+  EXPECT_EQ(graph.node().nbLowerable(),
+            GetParam().isDouble ? (GetParam().isScaled ? 2U : 1U) : (GetParam().isScaled ? 1U : 0U));
 }
 
 TEST_P(ConstraintNodeSum, PrintsItself) {
@@ -347,7 +347,8 @@ TEST(ConstraintNodeSumLists, CollectWhatTheyShareWithASortedList) {
   graph.grow();
   const auto common = [&](NodeId sum, NodeId other, std::uint32_t limit, RandomState& state) {
     std::vector<StaticIndex> out;
-    graph.at(sum).collectCommon(state, graph.structures.staticNodes[graph.staticIndex(other)]->flatOperands, out, limit);
+    graph.at(sum).collectCommon(state, graph.structures.staticNodes[graph.staticIndex(other)]->flatOperands, out,
+                                limit);
     return out;
   };
   for (const RandomState seed : someSeeds(20)) {

@@ -4,6 +4,8 @@
 
 #include "allocationcounter.h"
 #include "solver/kernel/heuristicdescent.h"
+#include "solver/move/movebinpacking.h"
+#include "solver/move/moveejectionchain.h"
 #include "solver/move/movefilter.h"
 #include "solver/move/movekbalance.h"
 #include "solver/move/movekcycle.h"
@@ -59,6 +61,18 @@ TEST_F(MoveAllocation, IsOverAfterWarmUp) {
     expectNone(std::make_unique<MoveKMirror>(k, 1, 50, structure));
   }
   expectNone(std::make_unique<MoveSequence>(4, 2, 50, heuristic, structure, dag));
+}
+
+TEST_F(MoveAllocation, IsOverForRepairsAfterWarmUp) {
+  // A simulation over the same graph, told of every commit.
+  DagStructures withTree;
+  withTree.build(model.fixed, true);
+  AutonomousStructure structure(*model.dag, 1, withTree);
+  for (const std::uint32_t size : {2U, 3U, 4U}) {
+    expectNone(std::make_unique<MoveBinPacking>(50, size, size, 1, structure, *model.dag));
+    expectNone(std::make_unique<MoveEjectionChain>(50, size, size, 1, structure, *model.dag));
+    expectNone(std::make_unique<MoveKSwap>(size, 1, 50, structure, *model.dag));
+  }
 }
 
 TEST_F(MoveAllocation, IsOverForTheFilterAfterWarmUp) {

@@ -5,6 +5,8 @@
 #include <memory>
 
 #include "solver/kernel/heuristicdescent.h"
+#include "solver/move/movebinpacking.h"
+#include "solver/move/moveejectionchain.h"
 #include "solver/move/movekbalance.h"
 #include "solver/move/movekcycle.h"
 #include "solver/move/movekflip.h"
@@ -17,6 +19,7 @@
 #include "solver/move/movesequence.h"
 #include "solver/move/movesimplekflip.h"
 #include "support/searchgraph.h"
+#include "support/treeoracle.h"
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 #define QUVEX_SANITIZED_BUILD 1
@@ -44,6 +47,7 @@ class RandomModel : public SearchGraph {
   std::vector<NodeId> x;
   std::vector<NodeId> extra;
   std::unique_ptr<HeuristicDescent> heuristic;
+  std::unique_ptr<TreeOracle> oracle;
 
   explicit RandomModel(RandomState seed) : draws(seed) {
     x = booleans(8 + rand(draws, 40));
@@ -52,8 +56,10 @@ class RandomModel : public SearchGraph {
     const bool isSorted = rand(draws, 4) != 0;
     const std::uint32_t nbSums = 3 + rand(draws, 10);
     for (std::uint32_t i = 0; i < nbSums; ++i) addSum(isSorted);
+    limitedSum({x[0], x[1], x[2]}, 3);  // so that there is a constraint tree
     minimise(add(NodeType::Or, {x[0], x[1], x[2]}));
-    Dag& built = start(seed);
+    Dag& built = start(seed, true);
+    oracle = std::make_unique<TreeOracle>(*structure);
     for (const NodeId id : x) built.propagation.setTentativeValue(built, id, rand(draws, 4) == 0 ? 1 : 0);
     built.propagation.commitAll(built);
     heuristic = std::make_unique<HeuristicDescent>(built);
@@ -178,6 +184,8 @@ class Runner {
     EXPECT_EQ(propagation.tentativeViolation, propagation.committedViolation);
     EXPECT_EQ(propagation.tentativeNbViolated, propagation.committedNbViolated);
     EXPECT_TRUE(propagation.touchedDecisions.empty());
+    EXPECT_TRUE(model.structure->flippedDecisions.empty());
+    model.oracle->expectAgreement();
   }
 };
 
@@ -204,6 +212,10 @@ std::unique_ptr<Move> makeBalance(RandomModel& model, std::uint32_t k) {
 std::unique_ptr<Move> makeSequence(RandomModel& model, std::uint32_t k) {
   return std::make_unique<MoveSequence>(k + 1, k - 1, 50, *model.heuristic, *model.structure, *model.dag);
 }
+template <class Repair>
+std::unique_ptr<Move> makeRepair(RandomModel& model, std::uint32_t k) {
+  return std::make_unique<Repair>(50, k, k, 1, *model.structure, *model.dag);
+}
 
 class RandomAttempts : public testing::TestWithParam<MoveCase> {};
 
@@ -229,7 +241,8 @@ INSTANTIATE_TEST_SUITE_P(
                     MoveCase{"Path", makeChain<MoveKPath>}, MoveCase{"Cycle", makeChain<MoveKCycle>},
                     MoveCase{"ForkPath", makeFork<MoveKLForkPath>}, MoveCase{"ForkCycle", makeFork<MoveKLForkCycle>},
                     MoveCase{"Roll", makeChain<MoveKRoll>}, MoveCase{"Mirror", makeChain<MoveKMirror>},
-                    MoveCase{"Sequence", makeSequence}),
+                    MoveCase{"Sequence", makeSequence}, MoveCase{"EjectionChain", makeRepair<MoveEjectionChain>},
+                    MoveCase{"BinPacking", makeRepair<MoveBinPacking>}),
     [](const auto& tested) { return std::string(tested.param.name); });
 
 }  // namespace

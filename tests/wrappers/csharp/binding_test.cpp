@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <thread>
@@ -262,6 +265,26 @@ TEST_F(Binding, SavesAndLoadsAnEnvironment) {
     EXPECT_EQ(CSharp_QVExpression_GetIntValue(CSharp_QVModel_GetObjective(CSharp_Quvex_GetModel(copy), 0)), 50);
     CSharp_delete_Quvex(copy);
   }
+}
+
+/// The first code block of a page that starts with `start`.
+std::string sampleOf(const std::string& page, const std::string& start) {
+  std::ifstream file(std::string(QUVEX_SOURCE_DIR) + "/docs/" + page);
+  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const std::size_t begin = text.find("```\n" + start);
+  return begin == std::string::npos ? "" : text.substr(begin + 4, text.find("\n```", begin) - begin - 4);
+}
+
+TEST_F(Binding, LoadsTheSampleOfTheDocumentation) {
+  std::ofstream("sample.qvm") << sampleOf("fileformats.md", "<QVM01>");
+  CSharp_Quvex_LoadEnvironment(solver, "sample.qvm");
+  const QvExpr cost = CSharp_QVModel_GetObjective(model, 0);
+  EXPECT_EQ(CSharp_QVExpression_GetIntValue(cost), 1);
+  CSharp_QVExpression_SetValue(CSharp_QVModel_GetExpression__SWIG_1(model, "x"), 1);
+  EXPECT_EQ(CSharp_QVExpression_GetIntValue(cost), 4);
+  EXPECT_EQ(CSharp_QVModel_GetNbConstraints(model), 1);
+  EXPECT_EQ(CSharp_QVPhase_GetTimeLimit(CSharp_Quvex_GetPhase(solver, 0)), 10);
+  EXPECT_EQ(CSharp_QVParam_GetAdvancedParam__SWIG_0(CSharp_Quvex_GetParam(solver), "targetingLevel"), 7);
 }
 
 TEST_F(Binding, TellsTheVersion) {
