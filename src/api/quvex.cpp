@@ -189,12 +189,12 @@ void Quvex::resetStatistics() {
 }
 
 void Quvex::reportInconsistent() const {
-  if (param->getVerbosity() >= 1) print("\n" + toString() + "Inconsistent model.\n\n");
+  if (param->getVerbosity() >= 1) print('\n' + toString() + "Inconsistent model.\n\n");
 }
 
 void Quvex::describeSearch() const {
   if (param->getVerbosity() < 1) return;
-  print("\n" + toString());
+  print('\n' + toString());
   if (!isTraced()) return;
   dagBuilder().getDag().printStats();
   std::cout << std::flush;

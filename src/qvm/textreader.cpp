@@ -190,7 +190,8 @@ void TextReader::readDigits(bool isNegative) {
     stream.unget(first);
     return readReal("inf", isNegative ? -kInfinity : kInfinity);
   }
-  text.assign(isNegative ? "-" : "");
+  text.clear();
+  if (isNegative) text += '-';
   text += static_cast<char>(first);
   std::optional<int> byte = stream.tryGet();
   while (byte && isNumberByte(*byte)) {

@@ -26,6 +26,7 @@ void deliver(QVException* exception) noexcept {
 void reportOwn(int line, const char* exported, const char* explanation) noexcept {
   QVException* exception = &lastReport;
   try {
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): the client throws it.
     exception = new QVException(kSource, line, exported, explanation);
   } catch (...) {
     // No memory for this either.
@@ -44,6 +45,7 @@ void reportNullText() noexcept {
 void report(const QVException& failure, const char* exported) noexcept {
   QVException* copy = nullptr;
   try {
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): the client throws it.
     copy = new QVException(failure.getFileName(), failure.getLineNumber(), failure.getFunctionName(),
                            failure.getExplanation());
   } catch (...) {

@@ -23,6 +23,7 @@ double nativeReal(QvReal value) { return value; }
 
 }  // namespace
 
+// NOLINTBEGIN(bugprone-macro-parentheses): names of classes and methods cannot stand in parentheses.
 #define QV_METHOD_0(Result, Class, Export, method)                                             \
   Qv##Result CSharp_##Class##_##Export(QvObject self) {                                        \
     return guarded<Qv##Result>(__func__, [=] { return static_cast<Class*>(self)->method(); }); \
@@ -65,6 +66,7 @@ double nativeReal(QvReal value) { return value; }
     guarded<void>(__func__, [=] { delete static_cast<Class*>(self); }); \
   }
 #include "exports.def"
+// NOLINTEND(bugprone-macro-parentheses)
 
 QvObject CSharp_new_Quvex() {
   return guarded<QvObject>(__func__, [] { return new Quvex; });

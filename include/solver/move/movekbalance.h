@@ -19,7 +19,6 @@ class MoveKBalance : public Move {
 
  private:
   std::uint32_t k;
-  AutonomousStructure& structure;
   std::vector<std::uint32_t> sample;
 
   /// Changes one pair for the operator; false if there is none.

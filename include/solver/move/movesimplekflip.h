@@ -22,7 +22,6 @@ class MoveSimpleKFlip : public Move {
   std::uint32_t k;
   std::uint32_t targetingRate;  ///< a percentage, not checked
   std::vector<std::uint32_t> sample;
-  AutonomousStructure& structure;
 
   /// Draws `k` positions of [0, n), one fewer if a target takes the place of one.
   void resizeSample(bool useTarget, std::uint32_t n) {

@@ -5,7 +5,7 @@
 namespace quvex {
 
 MoveKBalance::MoveKBalance(std::uint32_t size, std::uint32_t weight, AutonomousStructure& autonomous, Dag& moveDag)
-    : Move(weight, moveDag, autonomous.randomState), k(size), structure(autonomous) {
+    : Move(weight, moveDag, autonomous.randomState), k(size) {
   name = moveName(k, "Balance");
   sample.reserve(k);
 }

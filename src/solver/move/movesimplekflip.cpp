@@ -4,7 +4,7 @@ namespace quvex {
 
 MoveSimpleKFlip::MoveSimpleKFlip(std::uint32_t size, std::uint32_t weight, std::uint32_t rate,
                                  AutonomousStructure& autonomous, Dag& moveDag)
-    : Move(weight, moveDag, autonomous.randomState), k(size), targetingRate(rate), structure(autonomous) {
+    : Move(weight, moveDag, autonomous.randomState), k(size), targetingRate(rate) {
   name = moveName(k, "SimpleFlip");
   sample.reserve(k);
 }

@@ -45,16 +45,16 @@ void failEveryAllocation(allocator::Fault fault, Call call, Check check) {
 // ------------------------------------------------------------------------------------------------ all functions at
 // once
 
-/// One object of each class, by the names of exports.def.
+/// One object of each class of exports.def.
 struct Objects {
-  QvObject Quvex;
-  QvObject QVModel;
-  QvObject QVExpression;
-  QvObject QVParam;
-  QvObject QVPhase;
-  QvObject QVSolution;
-  QvObject QVStatistics;
-  QvObject QVException;
+  QvObject ofQuvex;
+  QvObject ofQVModel;
+  QvObject ofQVExpression;
+  QvObject ofQVParam;
+  QvObject ofQVPhase;
+  QvObject ofQVSolution;
+  QvObject ofQVStatistics;
+  QvObject ofQVException;
 };
 
 /// An exported function with some valid arguments.
@@ -70,7 +70,7 @@ constexpr QvReal anyReal(const Objects&) { return 1.0; }
 constexpr QvOperator anyOperator(const Objects&) { return 2; }
 constexpr QvDirection anyDirection(const Objects&) { return 0; }
 constexpr QvText anyText(const Objects&) { return "any"; }
-QvExpr anyExpr(const Objects& objects) { return objects.QVExpression; }
+QvExpr anyExpr(const Objects& objects) { return objects.ofQVExpression; }
 
 #define QV_ROW(Class, Export, method, ...)                      \
   {"CSharp_" #Class "_" #Export, "quvex::" #Class "::" #method, \
@@ -79,13 +79,14 @@ QvExpr anyExpr(const Objects& objects) { return objects.QVExpression; }
 /// Every method of an object.
 std::vector<Export> methods() {
   return {
-#define QV_METHOD_0(Result, Class, Export, method) QV_ROW(Class, Export, method, o.Class)
-#define QV_METHOD_1(Result, Class, Export, method, A) QV_ROW(Class, Export, method, o.Class, any##A(o))
-#define QV_METHOD_2(Result, Class, Export, method, A, B) QV_ROW(Class, Export, method, o.Class, any##A(o), any##B(o))
+#define QV_METHOD_0(Result, Class, Export, method) QV_ROW(Class, Export, method, o.of##Class)
+#define QV_METHOD_1(Result, Class, Export, method, A) QV_ROW(Class, Export, method, o.of##Class, any##A(o))
+#define QV_METHOD_2(Result, Class, Export, method, A, B) \
+  QV_ROW(Class, Export, method, o.of##Class, any##A(o), any##B(o))
 #define QV_METHOD_3(Result, Class, Export, method, A, B, C) \
-  QV_ROW(Class, Export, method, o.Class, any##A(o), any##B(o), any##C(o))
+  QV_ROW(Class, Export, method, o.of##Class, any##A(o), any##B(o), any##C(o))
 #define QV_METHOD_4(Result, Class, Export, method, A, B, C, D) \
-  QV_ROW(Class, Export, method, o.Class, any##A(o), any##B(o), any##C(o), any##D(o))
+  QV_ROW(Class, Export, method, o.of##Class, any##A(o), any##B(o), any##C(o), any##D(o))
 #include "wrappers/csharp/exports.def"
   };
 }
@@ -96,9 +97,10 @@ std::vector<Export> unruledTexts() {
 #define QV_STATIC(Result, Class, Export, method) QV_ROW(Class, Export, method)
 #include "wrappers/csharp/exports.def"
       {"CSharp_QV_PLATFORM_get", "", [](const Objects&) { static_cast<void>(CSharp_QV_PLATFORM_get()); }},
-      {"CSharp_QVPhase_ToString", "", [](const Objects& o) { static_cast<void>(CSharp_QVPhase_ToString(o.QVPhase)); }},
+      {"CSharp_QVPhase_ToString", "",
+       [](const Objects& o) { static_cast<void>(CSharp_QVPhase_ToString(o.ofQVPhase)); }},
       {"CSharp_QVException_What", "",
-       [](const Objects& o) { static_cast<void>(CSharp_QVException_What(o.QVException)); }},
+       [](const Objects& o) { static_cast<void>(CSharp_QVException_What(o.ofQVException)); }},
   };
   std::erase_if(result, [](const Export& e) {
     return e.name.ends_with("Number") || e.name.ends_with("Date") || e.name.ends_with("Code");
@@ -156,7 +158,7 @@ class RunningSearch : public BindingTest {
   ~RunningSearch() override {
     CSharp_Quvex_Stop(solver);
     caller.join();
-    CSharp_delete_QVException(objects.QVException);
+    CSharp_delete_QVException(objects.ofQVException);
   }
 
   static std::vector<Export> ruledMethods() {
