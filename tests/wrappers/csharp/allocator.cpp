@@ -40,6 +40,12 @@ thread_local bool failed = false;
   return block;
 }
 
+/// What cannot throw can only lack memory.
+[[nodiscard]] void* allocateOrNull(std::size_t size) noexcept {
+  const bool fails = plannedFault == allocator::Fault::OutOfMemory && failsNow();
+  return fails ? nullptr : countedBlock(size);
+}
+
 void release(void* block) noexcept {
   if (block == nullptr) return;
   --liveBlocks;
@@ -75,12 +81,8 @@ bool succeed() {
 // Every form without an alignment, so that no block comes from one allocator and goes to another.
 void* operator new(std::size_t size) { return allocate(size); }
 void* operator new[](std::size_t size) { return allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return failsNow() ? nullptr : countedBlock(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-  return failsNow() ? nullptr : countedBlock(size);
-}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size); }
 void operator delete(void* block) noexcept { release(block); }
 void operator delete[](void* block) noexcept { release(block); }
 void operator delete(void* block, std::size_t) noexcept { release(block); }
