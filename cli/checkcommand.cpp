@@ -52,30 +52,30 @@ namespace {
   return byName;
 }
 
+[[noreturn]] void refuseOtherModel(const std::string& fileName, const std::string& difference) {
+  throw CommandError(kExitInput, fileName + ": " + difference + "; is it another model's?");
+}
+
+void requireAllDecisions(const std::string& fileName, std::size_t given, const QVModel& model) {
+  const auto wanted = static_cast<std::size_t>(model.getNbDecisions());
+  if (given == wanted) return;
+  refuseOtherModel(fileName, std::to_string(given) + " decisions, but the model has " + std::to_string(wanted));
+}
+
 void setDecisions(Quvex& solver, const Json& decisions, const std::string& fileName) {
   const auto byName = decisionsByName(*solver.getModel());
   for (const auto& [name, value] : decisions.items()) {
     const auto found = byName.find(name);
-    if (found == byName.end()) {
-      throw CommandError(kExitInput, fileName + ": the model has no decision \"" + name + "\"; is it another model's?");
-    }
+    if (found == byName.end()) refuseOtherModel(fileName, "the model has no decision \"" + name + "\"");
     found->second->setIntValue(readInteger(value));
   }
-  if (decisions.size() != byName.size()) {
-    throw CommandError(kExitInput, fileName + ": " + std::to_string(decisions.size()) +
-                                       " decisions, but the model has " + std::to_string(byName.size()) +
-                                       "; is it another model's?");
-  }
+  requireAllDecisions(fileName, decisions.size(), *solver.getModel());
 }
 
 void copyDecisions(Quvex& source, Quvex& target, const std::string& fileName) {
   const QVModel& from = *source.getModel();
   const QVModel& to = *target.getModel();
-  if (from.getNbDecisions() != to.getNbDecisions()) {
-    throw CommandError(kExitInput, fileName + ": " + std::to_string(from.getNbDecisions()) +
-                                       " decisions, but the model has " + std::to_string(to.getNbDecisions()) +
-                                       "; is it another model's?");
-  }
+  requireAllDecisions(fileName, static_cast<std::size_t>(from.getNbDecisions()), to);
   for (int i = 0; i < to.getNbDecisions(); ++i) to.getDecision(i)->setIntValue(from.getDecision(i)->getIntValue());
 }
 

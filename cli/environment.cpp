@@ -30,6 +30,7 @@ void requireReadable(const std::string& fileName) {
   constexpr std::string_view kUnknownOperator = "Unknown operator : ";
   if (explanation.starts_with(kUnknownOperator)) {
     std::vector<std::string> names;
+    names.reserve(OperatorTools::kNbOperators);
     for (int op = 0; op < OperatorTools::kNbOperators; ++op) {
       names.emplace_back(OperatorTools::getName(static_cast<QVOperator>(op)));
     }

@@ -58,6 +58,7 @@ void printValueTypes(const QVModel& model) {
 /// The expressions with most operands: where the cost of evaluation lies.
 void printLargest(const QVModel& model) {
   std::vector<const QVExpression*> expressions;
+  expressions.reserve(static_cast<std::size_t>(model.getNbExpressions()));
   for (int i = 0; i < model.getNbExpressions(); ++i) expressions.push_back(model.getExpression(i));
   const std::size_t shown = std::min(kNbLargest, expressions.size());
   std::partial_sort(expressions.begin(), expressions.begin() + static_cast<std::ptrdiff_t>(shown), expressions.end(),

@@ -20,7 +20,7 @@ Interrupt::Interrupt(std::function<void()> tidyUp) : beforeExit(std::move(tidyUp
 
 Interrupt::~Interrupt() {
   finished = true;
-  pthread_kill(waiter.native_handle(), SIGTERM);
+  pthread_kill(waiter.native_handle(), SIGINT);  // blocked, so that it only wakes the wait
   waiter.join();
   pthread_sigmask(SIG_SETMASK, &formerMask, nullptr);
 }

@@ -155,6 +155,21 @@ TEST(Quvex, StopWithoutASearchChangesNothing) {
   EXPECT_EQ(quvex.getState(), QVState::Stopped);
 }
 
+TEST(Quvex, StopAfterASearchChangesNothing) {
+  Quvex quvex;
+  closeTrivialModel(quvex);
+  quvex.getParam()->setVerbosity(0);
+  quvex.solve();
+  quvex.stop();
+  EXPECT_TRUE(ApiPeer::wasStarted(quvex));
+  EXPECT_FALSE(ApiPeer::isStopRequested(quvex));
+}
+
+TEST(Quvex, AsksForTheStateBeforeTheIndexOfAPhase) {
+  Quvex quvex;
+  EXPECT_EQ(failureOf([&] { (void)quvex.getPhase(0); }), refusal("Quvex::getPhase", kPausedOrStoppedText));
+}
+
 TEST(Quvex, EnvironmentsNeedAFileName) {
   Quvex quvex;
   const std::string text = "Argument fileName cannot be an empty string.";

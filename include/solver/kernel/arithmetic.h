@@ -39,7 +39,7 @@ namespace quvex {
 }
 
 /// The product, or an extreme integer as soon as the operands have 62 significant bits together (one bit of each is
-/// not counted). A zero factor against a huge one therefore gives the lowest integer: a bound only gets wider by it.
+/// not counted). A zero factor against a huge one therefore gives the lowest integer, as a bound too.
 [[nodiscard]] constexpr std::int64_t saturatingMul(std::int64_t a, std::int64_t b) {
   const auto halfBits = [](std::int64_t x) {
     return std::bit_width(static_cast<std::uint64_t>(saturatingAbs(x)) >> 1U);

@@ -69,6 +69,7 @@ class Dag {
   NodePool pool;
 
   Node* createNode(NodeId id);
+  void destroyNodes();
 };
 
 }  // namespace quvex

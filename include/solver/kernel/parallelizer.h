@@ -53,7 +53,8 @@ class Parallelizer : public HeuristicCallback {
   [[nodiscard]] bool waitFor(int seconds);
   [[nodiscard]] Status status();
   /// Ends all heuristics at their next iteration boundary, and raises what a search thread has stored. May also be
-  /// called from another thread than the one that waits.
+  /// called from another thread than the one that waits, but
+  /// not while that one pauses, resumes or starts.
   void stopAndJoin();
   /// Drops every pending request and failure.
   void clearFlags();
@@ -89,6 +90,8 @@ class Parallelizer : public HeuristicCallback {
 
   void threadEntry(std::uint32_t i);
   void waitPaused();
+  void createThread(std::uint32_t i);
+  void joinThreads();
   void join();
   void request(bool& flag);
   void clearFlagsLocked();

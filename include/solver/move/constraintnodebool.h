@@ -35,7 +35,7 @@ class DynamicConstraintNodeBool final : public DynamicConstraintNode {
 
   /// Tells the tree that the decision goes to `newValue` in the simulation.
   void announce(bool newValue) {
-    notifyParents(index, std::int64_t{!newValue}, std::int64_t{newValue}, !newValue, newValue);
+    notifyParents(nodeId, std::int64_t{!newValue}, std::int64_t{newValue}, !newValue, newValue);
   }
 
   [[nodiscard]] const StaticConstraintNode& staticNode() const override;

@@ -47,35 +47,6 @@ class MembershipTable {
   std::vector<OperandPos> positions;
 };
 
-/// A parent in the constraint tree, and the position that the node holds among its operands.
-struct TreeParent {
-  StaticIndex parent;
-  OperandPos childPos;
-};
-
-/// Whom a change in the constraint tree concerns, by static index: whether the node is a constraint, and its parents in
-/// the tree that serve one. A walk up the tree reads nothing else, so its cost does not grow with the kernel graph.
-class TreeLinks {
- public:
-  [[nodiscard]] bool isConstraint(StaticIndex s) const { return rows[s].isConstraint; }
-  [[nodiscard]] std::span<const TreeParent> parentsOf(StaticIndex s) const {
-    return {parents.data() + rows[s].start, rows[s].count};
-  }
-
-  void clear();
-  /// Appends the row of the next static node.
-  void append(const DagFixedFields& fixed, std::span<const StaticIndex> staticIndexOfNode, NodeId id);
-
- private:
-  struct Row {
-    std::uint32_t start;
-    std::uint32_t count;
-    bool isConstraint;
-  };
-  std::vector<Row> rows;
-  std::vector<TreeParent> parents;
-};
-
 /// What the compiled model's structure tells the moves: the sums of boolean decisions, which of them are tied by an
 /// equality constraint and which have slack, and which sums hold each decision. On request also the tree of constraint
 /// nodes for the moves that simulate flips.
@@ -94,7 +65,6 @@ class DagStructures {
   std::vector<NodeId> swappableDecisions;  ///< in at least one sum, and in at most one equality sum
   const DagFixedFields* fixed = nullptr;
   bool constraintTreeBuilt = false;
-  TreeLinks treeLinks;  ///< of the constraint tree
 
   DagStructures();
   ~DagStructures();

@@ -78,14 +78,14 @@ class DynamicConstraintNode {
 
  protected:
   /// Tells the simulation's violated set and the parents that serve a constraint. Nobody learns anything when the value
-  /// stays the same, also when the abilities change. `self` is the static index of this node.
-  void notifyParents(StaticIndex self, std::int64_t oldValue, std::int64_t newValue, bool canRaise, bool canLower);
-  void notifyParents(StaticIndex self, double oldValue, double newValue, bool canRaise, bool canLower);
+  /// stays the same, also when the abilities change. `self` is the kernel node of this one.
+  void notifyParents(NodeId self, std::int64_t oldValue, std::int64_t newValue, bool canRaise, bool canLower);
+  void notifyParents(NodeId self, double oldValue, double newValue, bool canRaise, bool canLower);
 
  private:
   /// Both forms; `tell` is the operation of the parents.
   template <class Value, class Tell>
-  void spread(StaticIndex self, Value oldValue, Value newValue, Tell tell);
+  void spread(NodeId self, Value oldValue, Value newValue, Tell tell);
 };
 
 }  // namespace quvex

@@ -244,6 +244,8 @@ bool NodeCreator::unwrapProduct(OpenGroup& group, const Term& term, bool keepSig
   if (operands.size() < 2) return false;
   const auto isVariable = [this](ExprId e) { return !preprocessor.isConstant[e]; };
   const auto variable = std::ranges::find_if(operands, isVariable);
+  // A product of constants alone is met where constants aren't folded, below an array; it has its own node.
+  if (variable == operands.end()) return false;
   if (std::any_of(std::next(variable), operands.end(), isVariable)) return false;
 
   types.clear();
@@ -422,6 +424,8 @@ NodeId NodeCreator::createBooleanAggregate(ExprId e, const Lowering& row, ExprSt
   const ValueType type = preprocessor.type(e);
   if (!group->constants.empty()) {
     const t_value constant = fold(*group, op);
+    // Below an array nothing has been folded: constants alone are what they fold to, neutral or not.
+    if (group->nodeIds.empty()) return getConstantNode(type, constant);
     if (!isNeutral(op, type, constant)) group->nodeIds.push_back(getConstantNode(type, constant));
   }
   return fixedFields.addNode(row.integerNode, group->nodeIds);

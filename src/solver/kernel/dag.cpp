@@ -46,10 +46,18 @@ Dag::Dag(const DagFixedFields& fixedFields)
       tentativeValue(fixedFields.nbNodes, 0),
       dirtyBits(fixedFields.nbNodes / 64 + 1, 0) {
   nodes.reserve(fixed.nbNodes);
-  for (NodeId id = 0; id < fixed.nbNodes; ++id) nodes.push_back(createNode(id));
+  try {
+    for (NodeId id = 0; id < fixed.nbNodes; ++id) nodes.push_back(createNode(id));
+  } catch (...) {
+    destroyNodes();
+    throw;
+  }
 }
 
-Dag::~Dag() {
+Dag::~Dag() { destroyNodes(); }
+
+/// Ends the nodes without releasing their memory, which is the pool's.
+void Dag::destroyNodes() {
   for (Node* node : nodes) node->~Node();
 }
 

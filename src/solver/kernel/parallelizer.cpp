@@ -28,9 +28,12 @@ void Parallelizer::addHeuristic(Heuristic* heuristic) {
 }
 
 void Parallelizer::clearHeuristics() {
+  if (status() != Status::Ended) {
+    raise<KernelException>(here<Parallelizer>(), "You cannot clear heuristics during resolution");
+  }
+  // Joined without the lock, which a thread that has failed still takes once to leave its exception.
+  joinThreads();
   const ExclusiveLock lock(mutex);
-  if (nbRunning != 0) raise<KernelException>(here<Parallelizer>(), "You cannot clear heuristics during resolution");
-  if (threads) threads->join_all();
   for (Heuristic* heuristic : heuristics) heuristic->removeCallback(this);
   threads.reset();
   heuristics.clear();
@@ -50,8 +53,17 @@ void Parallelizer::start() {
   nbRunning = static_cast<std::uint32_t>(heuristics.size());
   nbPaused = 0;
   threads = std::make_unique<boost::thread_group>();
-  for (std::uint32_t i = 0; i < heuristics.size(); ++i) {
+  for (std::uint32_t i = 0; i < heuristics.size(); ++i) createThread(i);
+}
+
+/// A thread that can't be created ends the run for those that were.
+void Parallelizer::createThread(std::uint32_t i) {
+  try {
     threads->create_thread([this, i] { threadEntry(i); });
+  } catch (...) {
+    nbRunning -= static_cast<std::uint32_t>(heuristics.size()) - i;
+    request(stopRequested);
+    throw;
   }
 }
 
@@ -154,11 +166,13 @@ void Parallelizer::stopAndJoin() {
   join();
 }
 
+void Parallelizer::joinThreads() {
+  const boost::unique_lock<boost::mutex> joining(joinMutex);
+  if (threads) threads->join_all();
+}
+
 void Parallelizer::join() {
-  {
-    const boost::unique_lock<boost::mutex> joining(joinMutex);
-    if (threads) threads->join_all();
-  }
+  joinThreads();
   const ExclusiveLock lock(mutex);
   const bool failed = exceptionPending;
   clearFlagsLocked();

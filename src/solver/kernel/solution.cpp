@@ -17,7 +17,12 @@ Solution::Solution(Dag& ownDag) : dag(&ownDag) {
   satisfiedConstraints.resize(fixed.nbConstraints());
   dag->propagation.addListener(this);
   changedDecisions.fill();
-  save();
+  try {
+    save();
+  } catch (...) {
+    dag->propagation.removeListener(this);
+    throw;
+  }
 }
 
 Solution::~Solution() { dag->propagation.removeListener(this); }

@@ -46,28 +46,33 @@ void DynamicConstraintNode::collectCommon(RandomState&, std::span<const StaticIn
                                           std::uint32_t) const {}
 
 template <class Value, class Tell>
-void DynamicConstraintNode::spread(StaticIndex self, Value oldValue, Value newValue, Tell tell) {
+void DynamicConstraintNode::spread(NodeId self, Value oldValue, Value newValue, Tell tell) {
   if (oldValue == newValue) return;
-  const TreeLinks& links = structure.structures.treeLinks;
-  if (links.isConstraint(self)) {
+  const DagFixedFields& fixed = structure.dag.fixed;
+  if (fixed.isConstraint(self)) {
+    const StaticIndex index = structure.structures.staticIndexOfNode[self];
     if (newValue != 0) {
-      structure.violatedNodes.remove(self);
+      structure.violatedNodes.remove(index);
     } else {
-      structure.violatedNodes.add(self);
+      structure.violatedNodes.add(index);
     }
   }
-  for (const TreeParent& link : links.parentsOf(self)) tell(*structure.dynamicNodes[link.parent], link.childPos);
+  // The kernel's own runs, without a copy for the tree: an evaluation has just read them or will do so soon.
+  const ParentRun run = fixed.parentRun(self);
+  const std::span<const ParentLink> parents{fixed.parents.data() + run.start(), run.count(0)};
+  for (const ParentLink& link : parents) {
+    if (DynamicConstraintNode* parent = structure.dynamicNodeOf(link.parent)) tell(*parent, link.childPos);
+  }
 }
 
-void DynamicConstraintNode::notifyParents(StaticIndex self, std::int64_t oldValue, std::int64_t newValue, bool canRaise,
+void DynamicConstraintNode::notifyParents(NodeId self, std::int64_t oldValue, std::int64_t newValue, bool canRaise,
                                           bool canLower) {
   spread(self, oldValue, newValue, [=](DynamicConstraintNode& parent, OperandPos p) {
     parent.operandChanged(p, oldValue, newValue, canRaise, canLower);
   });
 }
 
-void DynamicConstraintNode::notifyParents(StaticIndex self, double oldValue, double newValue, bool canRaise,
-                                          bool canLower) {
+void DynamicConstraintNode::notifyParents(NodeId self, double oldValue, double newValue, bool canRaise, bool canLower) {
   spread(self, oldValue, newValue, [=](DynamicConstraintNode& parent, OperandPos p) {
     parent.operandChangedDouble(p, oldValue, newValue, canRaise, canLower);
   });

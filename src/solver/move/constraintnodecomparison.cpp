@@ -29,7 +29,7 @@ void DynamicComparisonNode<Derived, Cells, Relation>::follow(OperandPos p, Value
   const Value change = Cells::subtract(newValue, oldValue);
   difference = p == 1 ? Cells::add(difference, change) : Cells::subtract(difference, change);
   const bool truth = holds();
-  notifyParents(self.index, oldTruth, std::int64_t{truth}, !truth, truth);
+  notifyParents(self.nodeId, oldTruth, std::int64_t{truth}, !truth, truth);
 }
 
 template <class Derived, class Cells, class Relation>

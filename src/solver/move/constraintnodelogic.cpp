@@ -25,7 +25,7 @@ void DynamicLogicNode<Derived, Set, RestSide>::operandChanged(OperandPos positio
   returnable.set(position, nbOperands(), kRestsTrue ? canRaise : canLower);
   const bool canReturn = !returnable.empty();
   const bool canTurn = isResting();
-  notifyParents(self.index, oldTruth, value(), kRestsTrue ? canReturn : canTurn, kRestsTrue ? canTurn : canReturn);
+  notifyParents(self.nodeId, oldTruth, value(), kRestsTrue ? canReturn : canTurn, kRestsTrue ? canTurn : canReturn);
 }
 
 template <class Derived, class Set, Direction RestSide>

@@ -60,7 +60,7 @@ void DynamicSumNode<Derived, Set, Weight>::follow(OperandPos p, Value oldValue, 
   const Value oldTotal = total;
   total = Cells::add(total, Weight::term(fixed(), self.nodeId, p, Cells::subtract(newValue, oldValue)));
   setAbilities(p, canRaise, canLower);
-  notifyParents(self.index, oldTotal, total, !raisable.empty(), !lowerable.empty());
+  notifyParents(self.nodeId, oldTotal, total, !raisable.empty(), !lowerable.empty());
 }
 
 template <class Derived, class Set, class Weight>

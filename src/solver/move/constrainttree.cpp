@@ -112,19 +112,6 @@ class TreeMembers {
 
 }  // namespace
 
-void TreeLinks::clear() {
-  rows.clear();
-  parents.clear();
-}
-
-void TreeLinks::append(const DagFixedFields& fixed, std::span<const StaticIndex> staticIndexOfNode, NodeId id) {
-  const auto start = static_cast<std::uint32_t>(parents.size());
-  for (const ParentLink& link : fixed.parentsOf(id).first(fixed.parentCountByLevel(0, id))) {
-    if (staticIndexOfNode[link.parent] != kNone) parents.push_back({staticIndexOfNode[link.parent], link.childPos});
-  }
-  rows.push_back({start, static_cast<std::uint32_t>(parents.size()) - start, fixed.isConstraint(id)});
-}
-
 DagStructures::DagStructures() = default;
 DagStructures::~DagStructures() = default;
 
@@ -132,7 +119,6 @@ void DagStructures::clearConstraintTree() {
   staticIndexOfNode.clear();
   staticNodes.clear();
   staticNodeOfDecision.clear();
-  treeLinks.clear();
 }
 
 void DagStructures::buildConstraintTree() {
@@ -142,7 +128,6 @@ void DagStructures::buildConstraintTree() {
   members.forEach([&](NodeId id) { addStaticNode(id); });
   for (const auto& node : staticNodes) {
     if (node->isFlat(*this)) listFlatOperands(*node);
-    treeLinks.append(*fixed, staticIndexOfNode, node->nodeId);
   }
 }
 

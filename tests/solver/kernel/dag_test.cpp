@@ -40,11 +40,14 @@ TEST(Dag, IsInitialisedOnce) {
 TEST(Dag, RefusesAnUnknownType) {
   DagFixedFields fixed;
   fixed.addBooleanDecision();
-  fixed.nodeTypes[0] = static_cast<NodeType>(99);
-  EXPECT_EQ(failureOf([&] { const Dag dag(fixed); }), refusal("Dag::createNode", "Unknown type (99) for node 0"));
+  const std::vector<NodeId> many(100, 0);
+  fixed.addNode(NodeType::Sum, many);  // owns memory, which must not be lost
+  fixed.addBooleanDecision();
+  fixed.nodeTypes[2] = static_cast<NodeType>(99);
+  EXPECT_EQ(failureOf([&] { const Dag dag(fixed); }), refusal("Dag::createNode", "Unknown type (99) for node 2"));
   EXPECT_EQ(failureOf([&] { (void)NodeTypeUtils::toString(static_cast<NodeType>(61)); }),
             refusal("NodeTypeUtils::toString", "Unknown node type 61"));
-  EXPECT_EQ(failureOf([&] { (void)NodeTypeUtils::getDomainValue(fixed, 0); }),
+  EXPECT_EQ(failureOf([&] { (void)NodeTypeUtils::getDomainValue(fixed, 2); }),
             refusal("NodeTypeUtils::getDomainValue", "Unknown node type 99"));
 }
 

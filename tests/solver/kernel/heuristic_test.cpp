@@ -129,15 +129,75 @@ TEST_F(FourItems, EndsAtAnObjectiveBoundOnceAllConstraintsAreActive) {
   EXPECT_EQ(heuristic.iterations, 1U);
 }
 
+/// Lets seconds pass without waiting for them: the run began that much earlier.
+struct ClockShift final : HeuristicCallback {
+  Heuristic& heuristic;
+  std::uint64_t atIteration;
+  std::int64_t seconds;
+  ClockShift(Heuristic& shifted, std::uint64_t iteration, std::int64_t by)
+      : heuristic(shifted), atIteration(iteration), seconds(by) {
+    heuristic.addCallback(this);
+  }
+  void onStart() override {}
+  void onEnd() override {}
+  void onIteration() override {
+    if (heuristic.iterations == atIteration) heuristic.startTime -= seconds;
+  }
+};
+
+TEST_F(FourItems, EndsWhenTheSecondsOfItsTimeLimitHavePassed) {
+  HeuristicDescent heuristic(*dag);
+  addScript(heuristic, {{}});
+  heuristic.setTimeLimit(1000);
+  const ClockShift shift(heuristic, 7, 1000);
+  heuristic.run();
+  EXPECT_EQ(heuristic.iterations, 7U);
+}
+
+TEST_F(FourItems, EstimatesItsIterationsAtMidTimeAndEndsAnnealingInTheLastTenth) {
+  HeuristicAutoAnnealing heuristic(*dag);
+  heuristic.nbImprovements = 10;  // enough for annealing
+  addScript(heuristic, {{}});
+  heuristic.setTimeLimit(6000);
+  heuristic.setIterationLimit(12000);
+  const ClockShift shift(heuristic, 20, 3001);
+  heuristic.run();
+  EXPECT_EQ(heuristic.expectedIterations, 12000U);
+  EXPECT_FALSE(heuristic.annealing);  // the last tenth was reached
+
+  HeuristicAutoAnnealing unlimited(*dag);
+  unlimited.nbImprovements = 10;
+  addScript(unlimited, {{}});
+  unlimited.setTimeLimit(6000);
+  // At iteration 9003 half of the time is over: 9003 / 3002 iterations a second, for 6000 seconds.
+  const ClockShift half(unlimited, 9003, 3001);
+  const ClockShift all(unlimited, 9010, 6000);
+  unlimited.run();
+  EXPECT_EQ(unlimited.expectedIterations, 2U * 6000U);
+  EXPECT_TRUE(unlimited.annealing);  // stopped by the clock before the last tenth
+}
+
+TEST_F(FourItems, KeepsItsSumsWhenTheMemoryChangesItsSize) {
+  HeuristicAutoAnnealing heuristic(*dag);
+  addScript(heuristic, {{x[2]}, {x[3]}, {}});
+  heuristic.setIterationLimit(2);
+  heuristic.run();
+  const double sum = heuristic.recentSums[0];
+  heuristic.setMemorySize(5);
+  EXPECT_EQ(heuristic.getMemorySize(), 5U);
+  EXPECT_EQ(heuristic.recentSums[0], sum);
+}
+
 TEST(Heuristic, EndsByItselfAtTheComputedBound) {
   GraphBuilder graph;
   const NodeId x = graph.boolean();
+  graph.constraint(graph.add(NodeType::Or, {x, graph.constant(1)}));
   graph.maximise(x);
   Dag& dag = graph.build();
   RandomState state = 1;
   HeuristicDescent heuristic(dag);
   heuristic.addMove(std::make_unique<FlipMove>(dag, state, std::vector<std::vector<NodeId>>{{x}}));
-  heuristic.run();  // no limit at all
+  heuristic.run();  // no limit at all; the constraint is activated behind the first move
   EXPECT_EQ(heuristic.iterations, 1U);
   EXPECT_EQ(dag.nodeValue[x], 1);
 }

@@ -115,7 +115,49 @@ TEST_F(SomeThreads, HoldsAllThreadsInAPauseAndLetsThemGo) {
   parallelizer.resume();
   EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Running);
   parallelizer.pause();
-  EXPECT_GT(heuristics[0]->iterations, 0U);
+  EXPECT_GT(heuristics[0]->iterations, held);
+}
+
+TEST_F(SomeThreads, EndsEachThreadByItsOwnClock) {
+  addThread(kForEver);
+  addThread(kForEver);
+  for (std::size_t i = 0; i < heuristics.size(); ++i) {
+    heuristics[i]->setTimeLimit(1000);
+    // The clock of both runs out, on the second thread only after many more iterations than the first one did.
+    Heuristic& heuristic = *heuristics[i];
+    const std::uint64_t last = i == 0 ? 100 : 50000;
+    moves[i]->beforeApply = [&heuristic, last] {
+      if (heuristic.iterations == last) heuristic.startTime -= 1000;
+    };
+  }
+  parallelizer.start();
+  while (!parallelizer.waitFor(1)) {
+  }
+  EXPECT_EQ(heuristics[0]->iterations, 101U);
+  EXPECT_GE(heuristics[1]->iterations, 101U);  // behind, it goes on to the count; ahead, it stops at its next boundary
+}
+
+TEST(Parallelizer, RaisesAtItsEndWhatASearchThreadHasStored) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.maximise(graph.add(NodeType::Sum, {graph.integer(), x}));
+  Dag& dag = graph.build();
+  RandomState state = 1;
+  HeuristicDescent heuristic(dag);
+  auto move = std::make_unique<FlipMove>(dag, state, std::vector<std::vector<NodeId>>{{x}});
+  move->beforeApply = [] { raise<KernelException>(here<Parallelizer>(), "No way on."); };
+  heuristic.addMove(std::move(move));
+  std::string text;
+  try {
+    Parallelizer parallelizer;
+    parallelizer.addHeuristic(&heuristic);
+    parallelizer.start();
+    while (parallelizer.status() != Parallelizer::Status::Ended) {
+    }
+  } catch (const KernelException& failure) {
+    text = failure.getExplanation();
+  }
+  EXPECT_EQ(text, "No way on.");
 }
 
 TEST_F(SomeThreads, WakesPausedThreadsToStopThem) {

@@ -53,6 +53,14 @@ TEST_F(SolutionOfThree, ForgetsADecisionThatFlipsBack) {
   EXPECT_TRUE(solution.changedDecisions.empty());
 }
 
+TEST_F(SolutionOfThree, CopiesOnlyWhatHasChanged) {
+  Solution solution(*dag);
+  solution.decisions[0] = 77;  // a copy would repair it
+  commitValues(*dag, {{x[2], 1}});
+  solution.save();
+  EXPECT_EQ(solution.decisions, (std::vector<t_value>{77, 0, 1}));
+}
+
 TEST_F(SolutionOfThree, PutsFewerViolationsBeforeAnyObjective) {
   const Solution violated(*dag);
   commitValues(*dag, {{x[2], 1}});

@@ -7,8 +7,10 @@
 static PlainResult result;
 
 static void copyText(char* target, size_t size, const char* text) {
-  strncpy(target, text, size - 1);
-  target[size - 1] = '\0';
+  size_t length = strlen(text);
+  if (length >= size) length = size - 1;
+  memcpy(target, text, length);
+  target[length] = '\0';
 }
 
 static QvString keepText(const char* text) {

@@ -1,40 +1,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <cstdlib>
-#include <new>
 
+#include "allocationcounter.h"
 #include "api/quvex.h"
 #include "api/qvparam.h"
 #include "solver/kernel/heuristic.h"
 #include "solver/kernel/heuristiccallback.h"
-#include "solver/kernel/nodepool.h"
 #include "support/apipeer.h"
 #include "support/smallmodels.h"
-
-namespace {
-std::atomic<std::uint64_t> nbAllocations{0};
-bool refusing = false;
-
-void* allocate(std::size_t size) noexcept {
-  ++nbAllocations;
-  return refusing ? nullptr : std::malloc(size);
-}
-}  // namespace
-
-// Every allocation of this test program is counted.
-void* operator new(std::size_t size) {
-  if (void* memory = allocate(size)) return memory;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size); }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace quvex {
 namespace {
@@ -43,17 +17,17 @@ namespace {
 struct AllocationWatch final : HeuristicCallback {
   explicit AllocationWatch(const Heuristic& watched) : heuristic(watched) {}
   void onStart() override {}
-  void onEnd() override { atEnd = nbAllocations; }
+  void onEnd() override { atEnd = allocationCount(); }
   void onIteration() override {
-    if (heuristic.iterations == 1000) afterWarmUp = nbAllocations;
+    if (heuristic.iterations == 1000) afterWarmUp = allocationCount();
   }
   const Heuristic& heuristic;
-  std::uint64_t afterWarmUp = 0;
-  std::uint64_t atEnd = 0;
+  std::size_t afterWarmUp = 0;
+  std::size_t atEnd = 0;
 };
 
 /// Solves once to have the search built, then runs its heuristic again under the watch.
-std::uint64_t allocationsAfterWarmUp(Quvex& quvex) {
+std::size_t allocationsAfterWarmUp(Quvex& quvex) {
   quvex.getParam()->setTimeBetweenDisplays(65535);
   quvex.solve();
   Heuristic& heuristic = ApiPeer::heuristic(quvex, 0);
@@ -64,28 +38,6 @@ std::uint64_t allocationsAfterWarmUp(Quvex& quvex) {
   heuristic.run();
   EXPECT_EQ(heuristic.iterations, 11000U);
   return watch.atEnd - watch.afterWarmUp;
-}
-
-TEST(NodePool, SaysInItsOwnWordsThatThereIsNoMemory) {
-  NodePool pool;
-  (void)pool.allocate(8);
-  std::string words;
-  refusing = true;
-  try {
-    for (int i = 0; i < 200; ++i) (void)pool.allocate(8);
-  } catch (const std::bad_alloc& failure) {
-    refusing = false;
-    words = failure.what();
-  }
-  refusing = false;
-  EXPECT_EQ(words, "bad allocation");
-}
-
-TEST(NodePool, PacksObjectsFromTheEndOfEachChunk) {
-  NodePool pool;
-  auto* const first = static_cast<std::byte*>(pool.allocate(24));
-  auto* const second = static_cast<std::byte*>(pool.allocate(24));
-  EXPECT_EQ(first - second, 24);
 }
 
 TEST(MoveLoop, AllocatesNothingOnAKnapsack) {
