@@ -60,6 +60,7 @@ class DynamicLogicNode : public DynamicConstraintNodeAggregate {
   bool moveFromRest(RandomState& state, bool strict);
 };
 
+/// "and" in the simulation.
 template <class Set>
 class DynamicConstraintNodeAnd final : public DynamicLogicNode<DynamicConstraintNodeAnd<Set>, Set, Direction::Up> {
  public:
@@ -68,6 +69,7 @@ class DynamicConstraintNodeAnd final : public DynamicLogicNode<DynamicConstraint
   DynamicConstraintNodeAnd(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf);
 };
 
+/// "or" in the simulation.
 template <class Set>
 class DynamicConstraintNodeOr final : public DynamicLogicNode<DynamicConstraintNodeOr<Set>, Set, Direction::Down> {
  public:
@@ -79,12 +81,14 @@ class DynamicConstraintNodeOr final : public DynamicLogicNode<DynamicConstraintN
 QUVEX_OVER_SUBSETS(extern template, DynamicConstraintNodeAnd);
 QUVEX_OVER_SUBSETS(extern template, DynamicConstraintNodeOr);
 
+/// The fixed half of "and".
 class StaticConstraintNodeAnd final : public StaticAggregate<StaticConstraintNodeAnd, DynamicConstraintNodeAnd> {
  public:
   static constexpr const char* kWord = "and(";
   using StaticAggregate::StaticAggregate;
 };
 
+/// The fixed half of "or".
 class StaticConstraintNodeOr final : public StaticAggregate<StaticConstraintNodeOr, DynamicConstraintNodeOr> {
  public:
   static constexpr const char* kWord = "or(";

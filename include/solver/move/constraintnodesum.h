@@ -73,6 +73,7 @@ class DynamicSumNode : public DynamicConstraintNodeAggregate {
   [[noreturn]] void failCheck(const Place& place, int number, bool isTotal) const;
 };
 
+/// The number or sum of integer operands in the simulation.
 template <class Set>
 class DynamicConstraintNodeSum final : public DynamicSumNode<DynamicConstraintNodeSum<Set>, Set, Plain<IntegerCells>> {
  public:
@@ -83,6 +84,7 @@ class DynamicConstraintNodeSum final : public DynamicSumNode<DynamicConstraintNo
   DynamicConstraintNodeSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf);
 };
 
+/// The sum of integer operands times their coefficients in the simulation.
 template <class Set>
 class DynamicConstraintNodeScalarSum final
     : public DynamicSumNode<DynamicConstraintNodeScalarSum<Set>, Set, Scaled<IntegerCells>> {
@@ -94,6 +96,7 @@ class DynamicConstraintNodeScalarSum final
   DynamicConstraintNodeScalarSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf);
 };
 
+/// The sum of operands as doubles in the simulation.
 template <class Set>
 class DynamicConstraintNodeDoubleSum final
     : public DynamicSumNode<DynamicConstraintNodeDoubleSum<Set>, Set, Plain<DoubleCells>> {
@@ -105,6 +108,7 @@ class DynamicConstraintNodeDoubleSum final
   DynamicConstraintNodeDoubleSum(AutonomousStructure& owner, const StaticConstraintNode& fixedHalf);
 };
 
+/// The sum of operands as doubles times their coefficients in the simulation.
 template <class Set>
 class DynamicConstraintNodeDoubleScalarSum final
     : public DynamicSumNode<DynamicConstraintNodeDoubleScalarSum<Set>, Set, Scaled<DoubleCells>> {
@@ -121,12 +125,14 @@ QUVEX_OVER_SUBSETS(extern template, DynamicConstraintNodeScalarSum);
 QUVEX_OVER_SUBSETS(extern template, DynamicConstraintNodeDoubleSum);
 QUVEX_OVER_SUBSETS(extern template, DynamicConstraintNodeDoubleScalarSum);
 
+/// The fixed half of "boolean_sum" and "sum".
 class StaticConstraintNodeSum final : public StaticAggregate<StaticConstraintNodeSum, DynamicConstraintNodeSum> {
  public:
   static constexpr const char* kWord = "sum(";
   using StaticAggregate::StaticAggregate;
 };
 
+/// The fixed half of "scalar_sum".
 class StaticConstraintNodeScalarSum final
     : public StaticAggregate<StaticConstraintNodeScalarSum, DynamicConstraintNodeScalarSum> {
  public:
@@ -134,6 +140,7 @@ class StaticConstraintNodeScalarSum final
   using StaticAggregate::StaticAggregate;
 };
 
+/// The fixed half of "double_sum".
 class StaticConstraintNodeDoubleSum final
     : public StaticAggregate<StaticConstraintNodeDoubleSum, DynamicConstraintNodeDoubleSum> {
  public:
@@ -141,6 +148,7 @@ class StaticConstraintNodeDoubleSum final
   using StaticAggregate::StaticAggregate;
 };
 
+/// The fixed half of "double_scalar_sum".
 class StaticConstraintNodeDoubleScalarSum final
     : public StaticAggregate<StaticConstraintNodeDoubleScalarSum, DynamicConstraintNodeDoubleScalarSum> {
  public:

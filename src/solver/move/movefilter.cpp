@@ -25,6 +25,8 @@ void MoveFilter::onStart() {
   scheduleNext();
   totalWeight = 0;
   for (const auto& move : heuristic.moves) totalWeight += move->poolWeight;
+  scores.reserve(heuristic.moves.size());
+  for (std::vector<Move*>* list : {&up, &down, &starved}) list->reserve(heuristic.moves.size());
 }
 
 void MoveFilter::onIteration() {

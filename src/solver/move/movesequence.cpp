@@ -46,6 +46,7 @@ MoveSequence::MoveSequence(std::uint32_t size, std::uint32_t nbFreeSteps, std::u
   startObjectives.resize(nbObjectives());
   touchedBits.resize(dag.fixed.nbBooleans);
   applied.reserve(length);
+  touched.reserve(64);  // more than the steps of one sequence usually change
   recordStart();
 }
 

@@ -460,14 +460,14 @@ TEST(NodeCreator, AProductOfConstantsBelowAnArrayIsNoCoefficient) {
                                element(QVOperator::Max, m.make(QVOperator::Prod, 2, 3)),
                                element(QVOperator::Prod, m.make(QVOperator::Prod, 2, 3)));
   QVExpression* at = m.make(QVOperator::At, array, m.make(QVOperator::Sum, m.b, m.c));
-  EXPECT_EQ(m.closedText(at), "at(array(sum(6,d0),max(6,d0),scalar_product[6](d0)),sum(d1,d2))");
+  EXPECT_EQ(m.closedText(at), "at(array(sum(6,d0),max(6,d0),scalar_product[6](d0)),sum(d2,d1))");
 }
 
 TEST(NodeCreator, ABooleanAggregateOfConstantsBelowAnArrayIsAConstant) {
   CompiledModel m;
   QVExpression* array = m.make(QVOperator::Array, m.make(QVOperator::And, 1, 1), m.make(QVOperator::Or, 0, 0), m.a);
   QVExpression* at = m.make(QVOperator::At, array, m.make(QVOperator::Sum, m.b, m.c));
-  EXPECT_EQ(m.closedText(at), "at(array(1,0,d0),sum(d1,d2))");
+  EXPECT_EQ(m.closedText(at), "at(array(1,0,d0),sum(d2,d1))");
 }
 
 // ------------------------------------------------------------------------------------------------------------ scalars

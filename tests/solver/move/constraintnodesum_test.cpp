@@ -337,6 +337,26 @@ TEST(ConstraintNodeSumStart, TakesAbilitiesFromAComparisonOnlyWhenItsTruthChange
   EXPECT_EQ(graph.at(sum).nbLowerable(), 0U);
 }
 
+TEST(ConstraintNodeSumStart, KeepsOldAbilitiesOfAComparisonWhoseTruthStays) {
+  // Never true: one decision against 2. It can be raised as long as the decision is 0.
+  for (const t_value start : {0, 1}) {
+    TreeGraph graph;
+    const NodeId x = graph.boolean();
+    const NodeId never = graph.add(NodeType::Eq, {x, graph.constant(2)});
+    const NodeId sum = graph.add(NodeType::BooleanSum, {never});
+    graph.require(NodeType::Geq, {sum, graph.constant(1)});
+    graph.grow({{x, start}});
+    const std::uint32_t atStart = start == 0 ? 1 : 0;
+    EXPECT_EQ(graph.at(never).nbRaisable(), atStart);
+    EXPECT_EQ(graph.at(sum).nbRaisable(), atStart);
+    graph.simulate(x);
+    EXPECT_EQ(graph.at(never).nbRaisable(), 1 - atStart);
+    EXPECT_EQ(graph.at(sum).nbRaisable(), atStart) << "a change of abilities alone does not travel";
+    EXPECT_EQ(explanationOf([&] { graph.at(sum).check(); }),
+              start == 0 ? Failure::kNothing : "DynamicConstraintNodeSum::check() : 1");
+  }
+}
+
 TEST(ConstraintNodeSumLists, CollectWhatTheyShareWithASortedList) {
   TreeGraph graph;
   const Ids x = graph.booleans(8);

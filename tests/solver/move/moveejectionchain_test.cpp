@@ -233,6 +233,47 @@ TEST(MoveEjectionChain, DropsATargetOutsideOfTheTree) {
   }
 }
 
+TEST(MoveEjectionChain, RepairsOneByOneWhereNothingIsShared) {
+  TreeGraph model;
+  const Ids x = model.booleans(4);
+  model.require(NodeType::Or, {x[0], x[1]});
+  model.require(NodeType::Or, {x[2], x[3]});
+  Dag& dag = model.grow();
+  ASSERT_EQ(model.violated().size(), 2U);
+  MoveEjectionChain move(0, 2, 3, 1, *model.structure, dag);
+  for (const RandomState seed : someSeeds(50)) {
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_TRUE(model.violated().empty()) << "the start repaired one, a repair step the other";
+    move.conclude(Outcome::Rejected);
+  }
+}
+
+TEST(MoveEjectionChain, TakesARepairForCompleteThatADeepConstraintUndoes) {
+  // The conjunction of rank 5 is not in the tree: the chain ends well, and the evaluation sees what it broke.
+  TreeGraph model;
+  const Ids x = model.booleans(6);
+  NodeId deep = x[0];
+  for (std::uint32_t r = 1; r <= 5; ++r) deep = model.add(NodeType::And, {deep, x[r]});
+  model.constraint(deep);
+  const NodeId sum = model.add(NodeType::BooleanSum, x);
+  const NodeId limit = model.require(NodeType::Leq, {sum, model.constant(5)});
+  Values values;
+  for (const NodeId id : x) values.emplace_back(id, 1);
+  Dag& dag = model.grow(values);
+  ASSERT_EQ(model.violated(), Ids{limit});
+  ASSERT_EQ(dag.propagation.committedNbViolated, 1);
+  MoveEjectionChain move(0, 2, 2, 1, *model.structure, dag);
+  for (const RandomState seed : someSeeds(20)) {
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_TRUE(model.violated().empty());
+    ASSERT_TRUE(move.evaluateLevel(0));
+    EXPECT_EQ(dag.propagation.tentativeNbViolated, 1) << "another one now";
+    move.conclude(Outcome::Rejected);
+  }
+}
+
 TEST(MoveEjectionChain, TransfersBetweenTwoViolatedConstraints) {
   // Both sums need the shared decision; without a transfer each would take one of its own.
   TreeGraph model;
