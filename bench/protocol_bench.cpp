@@ -32,9 +32,27 @@ void move(benchmark::State& state) {
   }
 }
 
-#define QUVEX_STEPS(Problem)                                                       \
-  BENCHMARK(move<Problem, End::Commit>)->ArgsProduct({{1000, 100000}, {1, 2, 8}}); \
-  BENCHMARK(move<Problem, End::Rollback>)->ArgsProduct({{1000, 100000}, {1, 2, 8}});
+/// Flips of the same thousand decisions, whatever the size of the model: what of it a move does not touch should cost
+/// nothing.
+template <class Problem>
+void sameMoves(benchmark::State& state) {
+  const Problem problem(static_cast<std::uint32_t>(state.range(0)), 1);
+  SingleFlips search(problem, 3);
+  quvex::Dag& dag = search.getDag();
+  dag.propagation.deactivateAllConstraints();
+  quvex::RandomState random = 5;
+  for (auto _ : state) {
+    dag.flip(dag.fixed.decisionList[quvex::rand(random, 1000)]);
+    benchmark::DoNotOptimize(dag.propagation.evaluateConstraints(dag));
+    benchmark::DoNotOptimize(dag.propagation.evaluateUpTo(dag, 1));
+    dag.propagation.rollbackAll(dag);
+  }
+}
+
+#define QUVEX_STEPS(Problem)                                                         \
+  BENCHMARK(move<Problem, End::Commit>)->ArgsProduct({{1000, 100000}, {1, 2, 8}});   \
+  BENCHMARK(move<Problem, End::Rollback>)->ArgsProduct({{1000, 100000}, {1, 2, 8}}); \
+  BENCHMARK(sameMoves<Problem>)->RangeMultiplier(10)->Range(10000, 1000000);
 
 QUVEX_STEPS(Knapsack)
 QUVEX_STEPS(Covering)

@@ -39,6 +39,7 @@ Process::Process(const std::vector<std::string>& command, const std::string& dir
   std::array<int, 2> err{};
   if (pipe2(out.data(), O_CLOEXEC) != 0 || pipe2(err.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
   pid = fork();

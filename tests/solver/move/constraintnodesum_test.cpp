@@ -55,7 +55,7 @@ class SumGraph : public TreeGraph {
     if (!kind.isScaled) return 1;
     constexpr double kIntegers[] = {2, -3, 1, 0, -1};
     constexpr double kDoubles[] = {0.5, -0.25, 2.5, 1e-7, -1e-7};
-    return (kind.isDouble ? kDoubles : kIntegers)[p % 5];
+    return kind.isDouble ? kDoubles[p % 5] : kIntegers[p % 5];
   }
   [[nodiscard]] bool isPositive(OperandPos p) const { return coefficient(p) > 1e-6; }
   [[nodiscard]] bool isNegative(OperandPos p) const { return coefficient(p) < -1e-6; }
@@ -84,10 +84,11 @@ class SumGraph : public TreeGraph {
       return nb;
     }
     bool moveTerm(bool up, OperandPos p) { return p != kNone && move(graph.isPositive(p) == up, p); }
+    OperandPos randomMover(bool up) {
+      return randomMember([this, up](OperandPos p) { return moves(up, p); });
+    }
     bool moveSum(bool up, bool strict) {
-      if (nbMovers(up) > 0) {
-        return threeTimes([&] { return moveTerm(up, randomMember([&](OperandPos p) { return moves(up, p); })); });
-      }
+      if (nbMovers(up) > 0) return threeTimes([this, up] { return moveTerm(up, randomMover(up)); });
       return !strict && moveTerm(up, randomPosition());
     }
     bool run(int operation, bool strict) {
@@ -164,7 +165,7 @@ TEST_P(ConstraintNodeSum, PicksAnOperandOneStepDown) {
   for (const RandomState seed : someSeeds(20)) {
     for (const bool up : {true, false}) {
       SumGraph::Reference expected(graph, seed);
-      const OperandPos p = expected.randomMember([&](OperandPos q) { return expected.moves(up, q); });
+      const OperandPos p = expected.randomMover(up);
       RandomState state = seed;
       StaticIndex operand = kNone;
       Direction direction = Direction::Up;
