@@ -6,7 +6,8 @@
 
 PROGRAM is build/release/bench/instance_run. ROOT holds a manifest.json (family, name, file, converter, options, best,
 direction), the instances, and tools/FAMILY.py, which converts an instance to a model file and checks a solution against
-the original data. Prints one row of a Markdown table per instance; a run that the checker does not confirm is marked.
+the original data. Prints one row of a Markdown table per instance; a run is marked when the checker
+finds another feasibility or other objectives than the solver reported.
 """
 import argparse
 import json
@@ -37,7 +38,9 @@ def run(program, root, entry, args, folder):
         result["check"] = json.loads(verdict.stdout)
     except json.JSONDecodeError:
         result["check"] = {"error": (verdict.stdout + verdict.stderr)[-200:]}
-    result["confirmed"] = verdict.returncode == 0
+    feasible = result["status"] >= 2
+    result["confirmed"] = result["check"].get("feasible") == feasible and (
+        not feasible or result["check"].get("objectives") == result["objectives"])
     return result
 
 
@@ -46,7 +49,7 @@ def row(entry, result):
     best = entry["best"]
     gap = "-" if value is None else f"{abs(value - best) / max(1, abs(best)) * 100:.2f}"
     shown = f"infeasible ({result['violated']})" if value is None else value
-    mark = "" if result["confirmed"] == (result["status"] >= 2) else " (not confirmed)"
+    mark = "" if result["confirmed"] else " (not confirmed)"
     return (f"| {entry['family']} | {entry['name']} | {best} | {shown}{mark} | {gap} | "
             f"{result['iterationsPerSecond'] / 1000:.0f} k | {', '.join(result['moves'])} |")
 
