@@ -90,7 +90,10 @@ inline NodeId drawOperandAt(const Dag& dag, RandomState& state, NodeId sum, t_va
 }
 
 /// The decisions that the running move has set, in order.
-inline std::vector<NodeId> touched(const Dag& dag) { return dag.propagation.touchedDecisions; }
+inline std::vector<NodeId> touched(const Dag& dag) {
+  const NodeList& list = dag.propagation.touchedDecisions;
+  return {list.begin(), list.end()};
+}
 
 /// The same in ascending order.
 inline std::vector<NodeId> touchedSorted(const Dag& dag) {

@@ -20,10 +20,27 @@ class ChangedSet : public Set {
   using Set::Set;
 };
 
+/// The questions that an aggregate asks beside a mask, which answers them from its word.
+template <class Derived, class Set>
+class ListedChanges {
+ public:
+  [[nodiscard]] bool hasOddSize() const { return (self().size() & 1U) != 0; }
+  /// Whether exactly the members of a persistent set have changed.
+  [[nodiscard]] bool isSameAs(const Set& other) const {
+    if (self().size() != other.size()) return false;
+    bool same = true;
+    self().forEach([&](OperandPos p) { same = same && other.contains(p); });
+    return same;
+  }
+
+ private:
+  [[nodiscard]] const Derived& self() const { return static_cast<const Derived&>(*this); }
+};
+
 /// Bits, of which a move scans and clears only the words between the lowest and the highest that it has touched.
 /// Invariant: all set bits lie in words [firstWord, lastWord].
 template <>
-class ChangedSet<SubsetBits> {
+class ChangedSet<SubsetBits> : public ListedChanges<ChangedSet<SubsetBits>, SubsetBits> {
  public:
   explicit ChangedSet(std::uint32_t n)
       : nbWords((n + 63) / 64), firstWord(nbWords), words(std::make_unique<std::uint64_t[]>(nbWords)) {}
@@ -64,7 +81,7 @@ class ChangedSet<SubsetBits> {
 /// operands stay in the nearest caches where a permutation with its inverse would miss three times per change.
 /// Invariant: bit p is set exactly when p is among the first `count` entries of the list.
 template <class T>
-class ChangedSet<Subset<T>> {
+class ChangedSet<Subset<T>> : public ListedChanges<ChangedSet<Subset<T>>, Subset<T>> {
  public:
   explicit ChangedSet(std::uint32_t n)
       : items(std::make_unique_for_overwrite<T[]>(n)), words(std::make_unique<std::uint64_t[]>((n + 63) / 64)) {}

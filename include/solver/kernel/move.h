@@ -61,6 +61,15 @@ class Move {
   [[nodiscard]] virtual std::uint32_t referenceNbViolated() const;
   [[nodiscard]] virtual std::int64_t referenceViolation() const;
 
+  /// Whether the constraints leave the verdict to the objectives, as they do for nearly every attempt of a feasible
+  /// search: judged against the committed state, feasible there, and counted the same now. It spares asking the
+  /// reference and the comparisons one by one.
+  [[nodiscard]] bool leavesConstraintsAlone() const {
+    const Propagation& now = dag.propagation;
+    return judgedByCommitted && now.committedNbViolated == 0 && now.tentativeNbViolated == 0 &&
+           now.tentativeViolation == now.committedViolation;
+  }
+
   virtual void resetStatistics();
   virtual void printStatistics(std::ostream& stream) const;
 
@@ -75,6 +84,7 @@ class Move {
  protected:
   Dag& dag;
   RandomState& randomState;
+  bool judgedByCommitted = true;  ///< false in a move that overrides the reference
 
   void countOutcome(Outcome outcome);
 
@@ -94,7 +104,7 @@ void shuffleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::
 /// steps (Knuth, The Art of Computer Programming, volume 2, algorithm 3.4.2P), in O(k) memory. A draw of one among one
 /// is certain and steps nothing.
 inline void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out) {
-  out.resize(k);
+  if (out.size() != k) out.resize(k);
   if (k == 1) {  // by far the most frequent size: nothing is displaced
     out[0] = rand(state, n);
     return;

@@ -4,20 +4,15 @@
 #include <span>
 #include <vector>
 
+#include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/daglistener.h"
 #include "solver/kernel/indexedset.h"
+#include "solver/kernel/nodelist.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
 
 class Dag;
-class DagFixedFields;
-
-/// Place of a queue in `rankQueues`: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots are
-/// the order of evaluation.
-using QueueSlot = std::uint32_t;
-[[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
-[[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
 /// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
 /// entries need no sorting among themselves, so a plain list beats a heap.
@@ -61,13 +56,13 @@ class Propagation {
   std::int64_t committedNbViolated = 0;
   std::int64_t tentativeViolation = 0;  ///< sum of `violation` over inactive constraints
   std::int64_t committedViolation = 0;
-  Level doneLevel = 0;                   ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
-  Level optimizedLevel = 0;              ///< last stage that the search cares about
-  std::vector<NodeId> touchedDecisions;  ///< in the order of setting
-  IndexedSet activeConstraints;          ///< may no longer be violated
-  IndexedSet violatedConstraints;        ///< inactive and now false
-  IndexedSet laggingNodes;               ///< committed, with parents above `optimizedLevel` that were not told
-  std::vector<t_value> laggingValues;    ///< for each of them, what those parents last saw
+  Level doneLevel = 0;                 ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
+  Level optimizedLevel = 0;            ///< last stage that the search cares about
+  NodeList touchedDecisions;           ///< in the order of setting
+  IndexedSet activeConstraints;        ///< may no longer be violated
+  IndexedSet violatedConstraints;      ///< inactive and now false
+  IndexedSet laggingNodes;             ///< committed, with parents above `optimizedLevel` that were not told
+  std::vector<t_value> laggingValues;  ///< for each of them, what those parents last saw
 
   /// Called once, when all nodes have their values.
   void init(const Dag& dag);
@@ -91,6 +86,9 @@ class Propagation {
   void activateConstraint(const Dag& dag, NodeId id);
   void activateAllConstraints();
   void activateSatisfiedConstraints(const Dag& dag);
+  /// The same behind a commit before which no inactive constraint was true: only what that commit repaired is looked
+  /// at, in the same order, so that a greedy pass does not walk all constraints at each step.
+  void activateRepairedConstraints(const Dag& dag);
   /// Makes every constraint inactive, so that none is a barrier.
   void deactivateAllConstraints() { activeConstraints.clear(); }
   [[nodiscard]] bool allConstraintsActive() const { return activeConstraints.count == activeConstraints.capacity; }
@@ -100,30 +98,34 @@ class Propagation {
   void addListener(DagListener* listener) { listeners.push_back(listener); }
   void removeListener(DagListener* listener);
 
+  /// Rank 0 has no such list: its nodes are `touchedDecisions`.
   [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues[ordinarySlot(r)].list(); }
   [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues[constraintSlot(r)].list(); }
-  [[nodiscard]] std::span<const NodeId> currentDeferredNodes() const { return deferredNodes; }
+  [[nodiscard]] const NodeList& currentDeferredNodes() const { return deferredNodes; }
 
  private:
   std::vector<RankQueue> rankQueues;  ///< by slot
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
-  std::vector<QueueSlot> slotOfNode;
-  QueueSlot lowestSlot = kNone;  ///< all queued nodes lie in [lowestSlot, highestSlot]
-  QueueSlot highestSlot = 0;
-  std::vector<NodeId> deferredNodes;      ///< changed nodes whose parents at later levels have not been told
-  std::vector<NodeId> nextDeferredNodes;  ///< the same for the stage after the running one
+  QueueSlot highestSlot = 0;          ///< no node is queued above
+  bool constraintsAmongDecisions = false;
+  std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
+  NodeList deferredNodes;               ///< changed nodes whose parents at later levels have not been told
+  NodeList nextDeferredNodes;           ///< the same for the stage after the running one
   std::vector<DagListener*> listeners;
 
-  void enqueue(NodeId id);
+  [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const;
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
-  [[nodiscard]] bool evalConstraint(Dag& dag, NodeId id);
-  [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, QueueSlot slot);
-  void evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to);
+  [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
+  [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, const RankQueue& queue);
+  void evaluateDecisions(Dag& dag);
+  void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);
   void initQueues(const DagFixedFields& fixed);
   void nextStage(Level stage);
   void commitNode(Dag& dag, NodeId id);
   void commitConstraint(const Dag& dag, NodeId id);
   void noteLagging(const Dag& dag, NodeId id);
+  void commitConstraints(Dag& dag, RankQueue& queue);
+  void commitDecisions(Dag& dag);
   void endMove();
 };
 

@@ -52,14 +52,9 @@ class NodeAndTemplate final : public ZeroNodesAggregate<Set> {
 
  private:
   /// A true "and" has no operand at 0, so each change took one there. A false one turns true only if exactly the
-  /// operands at 0 have changed; with as many changes, one at 0 now shows that some other operand changed instead.
+  /// operands at 0 have changed.
   [[nodiscard]] bool isTrueAfterChanges(const Dag& dag, NodeId id) const {
-    if (dag.nodeValue[id] == 1) return false;
-    if (this->zeroNodes.size() != this->changedNodes.size()) return false;
-    const NodeId* const children = dag.fixed.childrenOf(id).data();
-    bool allOne = true;
-    this->changedNodes.forEach([&](OperandPos p) { allOne = allOne && dag.tentativeValue[children[p]] != 0; });
-    return allOne;
+    return dag.nodeValue[id] != 1 && this->changedNodes.isSameAs(this->zeroNodes);
   }
 
   void updateZeroNodes(const Dag& dag, NodeId id) {

@@ -53,14 +53,9 @@ class NodeOrTemplate final : public OneNodesAggregate<Set> {
   }
 
   /// A false "or" has no operand at 1, so each change took one there. A true one turns false only if exactly the
-  /// operands at 1 have changed; with as many changes, one at 1 now shows that some other operand changed instead.
+  /// operands at 1 have changed.
   [[nodiscard]] bool isTrueAfterChanges(const Dag& dag, NodeId id) const {
-    if (dag.nodeValue[id] == 0) return true;
-    if (this->oneNodes.size() != this->changedNodes.size()) return true;
-    const NodeId* const children = dag.fixed.childrenOf(id).data();
-    bool anyOne = false;
-    this->changedNodes.forEach([&](OperandPos p) { anyOne = anyOne || dag.tentativeValue[children[p]] == 1; });
-    return anyOne;
+    return dag.nodeValue[id] == 0 || !this->changedNodes.isSameAs(this->oneNodes);
   }
 
   void updateOneNodesByValue(const Dag& dag, NodeId id) {

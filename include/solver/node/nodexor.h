@@ -21,11 +21,9 @@ class NodeXorTemplate final : public OneNodesAggregate<Set> {
     for (const NodeId child : dag.fixed.childrenOf(id)) sum = wrapAdd(sum, dag.nodeValue[child]);
     return sum & 1;
   }
+  /// Each changed operand has flipped, and with it the parity.
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    const NodeId* const children = dag.fixed.childrenOf(id).data();
-    std::int64_t nbOnes = this->oneNodes.size();
-    this->changedNodes.forEach([&](OperandPos p) { nbOnes += dag.tentativeValue[children[p]] != 0 ? 1 : -1; });
-    dag.tentativeValue[id] = nbOnes & 1;
+    dag.tentativeValue[id] = dag.nodeValue[id] ^ static_cast<t_value>(this->changedNodes.hasOddSize());
   }
   /// Folds the changes also where the parity stayed.
   void commit(Dag& dag, NodeId id) override {

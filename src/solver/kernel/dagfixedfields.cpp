@@ -39,6 +39,7 @@ void DagFixedFields::init() {
   listDecisions();
   computeLevels();
   sortParentsByLevel();
+  assignSlots();
 }
 
 void DagFixedFields::countTypes() {
@@ -79,7 +80,7 @@ void DagFixedFields::buildParents() {
   parents.resize(total);
   for (NodeId id = 0; id < nbNodes; ++id) {
     if (isSource(nodeTypes[id])) continue;
-    for (OperandPos p = 0; p < nbChildren[id]; ++p) parents[next[child(id, p)]++] = {id, p};
+    for (OperandPos p = 0; p < nbChildren[id]; ++p) parents[next[child(id, p)]++] = {id, p, 0};
   }
 }
 
@@ -168,6 +169,10 @@ void DagFixedFields::sortParentsByLevel() {
       parentCountCell(k, id) = sorted;
     }
   }
+}
+
+void DagFixedFields::assignSlots() {
+  for (ParentLink& link : parents) link.slot = slotOf(link.parent);
 }
 
 std::uint32_t DagFixedFields::getDecisionIndex(NodeId id) const {

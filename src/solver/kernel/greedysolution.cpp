@@ -33,7 +33,7 @@ void GreedySolution::tryToSet(Dag& dag, NodeId id) {
     return;
   }
   propagation.commitAll(dag);
-  propagation.activateSatisfiedConstraints(dag);
+  propagation.activateRepairedConstraints(dag);
 }
 
 }  // namespace quvex

@@ -131,6 +131,7 @@ std::optional<Outcome> Heuristic::attemptMove() {
 
 std::optional<Outcome> Heuristic::constraintVerdict(bool evaluated) const {
   if (!evaluated) return Outcome::Infeasible;
+  if (currentMove->leavesConstraintsAlone()) return std::nullopt;
   if (currentMove->constraintsBetter()) return Outcome::Improved;
   const bool worse = currentMove->constraintsWorse();
   if (currentMove->referenceNbViolated() != 0) return worse ? Outcome::Rejected : Outcome::Accepted;

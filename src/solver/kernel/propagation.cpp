@@ -13,10 +13,10 @@ namespace quvex {
 
 namespace {
 
-/// Rank 0 holds decisions alone: nothing to evaluate, a queued one has always changed, and its commit or rollback is a
-/// copy of one cell. They are most of what a move queues, so they are spared the calls.
-constexpr bool holdsDecisions(QueueSlot slot) { return slot <= 1; }
 constexpr bool holdsConstraints(QueueSlot slot) { return slot % 2 == 0; }
+
+/// The first slot of rank 1.
+constexpr QueueSlot kFirstInnerSlot = constraintSlot(1);
 
 /// `Node::hasChanged`, without the call where cells compare as they stand.
 bool hasChanged(const Dag& dag, NodeId id) {
@@ -43,18 +43,15 @@ void Propagation::init(const Dag& dag) {
 void Propagation::initQueues(const DagFixedFields& fixed) {
   const std::size_t nbSlots = 2 * std::size_t{fixed.nbRanks()};
   std::vector<std::uint32_t> capacities(nbSlots, 0);
-  slotOfNode.resize(fixed.nbNodes);
-  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    const Rank r = fixed.nodeRanks[id];
-    slotOfNode[id] = fixed.isConstraint(id) ? constraintSlot(r) : ordinarySlot(r);
-    ++capacities[slotOfNode[id]];
-  }
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) ++capacities[fixed.slotOf(id)];
   queueRoom.assign(fixed.nbNodes, 0);
   NodeId* room = queueRoom.data();
   for (const std::uint32_t capacity : capacities) {
     rankQueues.emplace_back(room);
     room += capacity;
   }
+  const auto isDecisionOfRank0 = [&](NodeId id) { return fixed.nodeRanks[id] == 0; };
+  constraintsAmongDecisions = std::ranges::any_of(fixed.constraints, isDecisionOfRank0);
 }
 
 void Propagation::removeListener(DagListener* listener) {
@@ -62,60 +59,67 @@ void Propagation::removeListener(DagListener* listener) {
   if (found != listeners.end()) listeners.erase(found);
 }
 
-inline void Propagation::enqueue(NodeId id) {
-  const QueueSlot slot = slotOfNode[id];
-  rankQueues[slot].push(id);
-  lowestSlot = std::min(lowestSlot, slot);
-  highestSlot = std::max(highestSlot, slot);
+/// Whether a decision is no constraint, as nearly all are.
+inline bool Propagation::isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const {
+  return !constraintsAmongDecisions || !fixed.isConstraint(id);
 }
 
 void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (dag.nodeValue[id] == value) return;
   if (!dag.markDirty(id)) return;
+  dag.fixed.prefetchParents(id);
   dag.tentativeValue[id] = value;
-  enqueue(id);
   touchedDecisions.push_back(id);
+  if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
 }
 
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
   const ParentRun run = fixed.parentRun(id);
-  const ParentLink* const links = fixed.parents.data() + run.start();
   const std::uint32_t end = run.count(to);
+  const ParentLink* const links = fixed.parents.data() + run.start();
+  QueueSlot highest = highestSlot;
   for (std::uint32_t i = from == 0 ? 0 : run.count(from - 1); i < end; ++i) {
-    const auto [parent, childPos] = links[i];
-    if (dag.markDirty(parent)) enqueue(parent);
+    const auto [parent, childPos, slot] = links[i];
+    if (dag.markDirty(parent)) {
+      rankQueues[slot].push(parent);
+      highest = std::max(highest, slot);
+    }
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
+  highestSlot = highest;
   if (end < run.count(optimizedLevel)) nextDeferredNodes.push_back(id);
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
-inline bool Propagation::evalConstraint(Dag& dag, NodeId id) {
-  Node& node = *dag.nodes[id];
-  node.eval(dag, *this, id);
-  if (activeConstraints.contains(dag.fixed.posInConstraints[id])) return dag.tentativeValue[id] != 0;
-  tentativeViolation = wrapAdd(tentativeViolation, node.violationDelta(dag, id));
+inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
+  if (allConstraintsActive() || activeConstraints.contains(dag.fixed.posInConstraints[id])) {
+    return dag.tentativeValue[id] != 0;
+  }
+  tentativeViolation = wrapAdd(tentativeViolation, dag.nodes[id]->violationDelta(dag, id));
   tentativeNbViolated += dag.nodeValue[id] - dag.tentativeValue[id];
   return true;
 }
 
-bool Propagation::evaluateConstraintQueue(Dag& dag, QueueSlot slot) {
-  for (const NodeId id : rankQueues[slot].list()) {
-    if (!evalConstraint(dag, id)) return false;
+inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
+  for (const NodeId id : queue.list()) {
+    dag.nodes[id]->eval(dag, *this, id);
+    if (!countConstraint(dag, id)) return false;
     if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
 }
 
-/// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
-void Propagation::evaluateNodeQueue(Dag& dag, QueueSlot slot, Level from, Level to) {
-  const std::span<const NodeId> fresh = rankQueues[slot].takeFresh();
-  if (holdsDecisions(slot)) {
-    for (const NodeId id : fresh) propagateToParents(dag, id, from, to);
-    return;
+/// A decision that is set has changed, and has nothing to compute.
+inline void Propagation::evaluateDecisions(Dag& dag) {
+  for (const NodeId id : touchedDecisions) {
+    if (isOrdinaryDecision(dag.fixed, id)) propagateToParents(dag, id, 0, 0);
   }
-  for (const NodeId id : fresh) {
+}
+
+/// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
+inline void Propagation::evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to) {
+  for (const NodeId id : queue.takeFresh()) {
     dag.nodes[id]->eval(dag, *this, id);
     if (hasChanged(dag, id)) propagateToParents(dag, id, from, to);
   }
@@ -129,12 +133,15 @@ void Propagation::nextStage(Level stage) {
 
 bool Propagation::evaluateConstraints(Dag& dag) {
   if (doneLevel != 0) return true;
+  if (constraintsAmongDecisions && !evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
+  evaluateDecisions(dag);
   // The upper end moves while the loop runs.
-  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
-    if (!rankQueues[slot].hasFresh()) continue;
+  for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
+    RankQueue& queue = rankQueues[slot];
+    if (!queue.hasFresh()) continue;
     if (!holdsConstraints(slot)) {
-      evaluateNodeQueue(dag, slot, 0, 0);
-    } else if (!evaluateConstraintQueue(dag, slot)) {
+      evaluateNodeQueue(dag, queue, 0, 0);
+    } else if (!evaluateConstraintQueue(dag, queue)) {
       return false;
     }
   }
@@ -149,8 +156,8 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
     if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
   }
   // Constraints are all of level 0 and finished.
-  for (QueueSlot slot = lowestSlot | 1U; slot <= highestSlot; slot += 2) {
-    if (rankQueues[slot].hasFresh()) evaluateNodeQueue(dag, slot, done, stage);
+  for (QueueSlot slot = ordinarySlot(1); slot <= highestSlot; slot += 2) {
+    evaluateNodeQueue(dag, rankQueues[slot], done, stage);
   }
   nextStage(stage);
   return true;
@@ -159,31 +166,47 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
 void Propagation::commitAll(Dag& dag) {
   if (evaluateConstraints(dag)) (void)evaluateUpTo(dag, optimizedLevel);
   for (DagListener* listener : listeners) listener->onCommit();
-  if (lowestSlot != kNone) {
-    // Ranks go down, but within a rank the constraints still come first.
-    for (Rank r = highestSlot / 2 + 1; r-- > lowestSlot / 2;) {
-      for (const NodeId id : rankQueues[constraintSlot(r)].list()) {
-        commitNode(dag, id);
-        commitConstraint(dag, id);
-      }
-      for (const NodeId id : rankQueues[ordinarySlot(r)].list()) commitNode(dag, id);
-    }
+  repaired.clear();
+  // Ranks go down, but within a rank the constraints still come first.
+  for (Rank r = highestSlot / 2; r > 0; --r) {
+    commitConstraints(dag, rankQueues[constraintSlot(r)]);
+    RankQueue& others = rankQueues[ordinarySlot(r)];
+    for (const NodeId id : others.list()) commitNode(dag, id);
+    others.clear();
   }
+  commitDecisions(dag);
   endMove();
   committedNbViolated = tentativeNbViolated;
   committedViolation = tentativeViolation;
 }
 
+void Propagation::commitConstraints(Dag& dag, RankQueue& queue) {
+  for (const NodeId id : queue.list()) {
+    commitNode(dag, id);
+    commitConstraint(dag, id);
+  }
+  queue.clear();
+}
+
+void Propagation::commitDecisions(Dag& dag) {
+  if (constraintsAmongDecisions) commitConstraints(dag, rankQueues[constraintSlot(0)]);
+  for (const NodeId id : touchedDecisions) {
+    if (isOrdinaryDecision(dag.fixed, id)) commitNode(dag, id);
+  }
+}
+
 void Propagation::rollbackAll(Dag& dag) {
-  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) {
-    for (const NodeId id : rankQueues[slot].list()) {
+  for (const NodeId id : touchedDecisions) {
+    dag.clearDirty(id);
+    dag.tentativeValue[id] = dag.nodeValue[id];
+  }
+  for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
+    RankQueue& queue = rankQueues[slot];
+    for (const NodeId id : queue.list()) {
       dag.clearDirty(id);
-      if (holdsDecisions(slot)) {
-        dag.tentativeValue[id] = dag.nodeValue[id];
-      } else {
-        dag.nodes[id]->rollback(dag, id);
-      }
+      dag.nodes[id]->rollback(dag, id);
     }
+    queue.clear();
   }
   endMove();
   tentativeNbViolated = committedNbViolated;
@@ -191,8 +214,7 @@ void Propagation::rollbackAll(Dag& dag) {
 }
 
 void Propagation::endMove() {
-  for (QueueSlot slot = lowestSlot; slot <= highestSlot; ++slot) rankQueues[slot].clear();
-  lowestSlot = kNone;
+  rankQueues[constraintSlot(0)].clear();
   highestSlot = 0;
   touchedDecisions.clear();
   deferredNodes.clear();
@@ -210,6 +232,7 @@ void Propagation::commitConstraint(const Dag& dag, NodeId id) {
   const std::uint32_t constraint = dag.fixed.posInConstraints[id];
   if (activeConstraints.contains(constraint)) return;
   if (dag.nodeValue[id] != 0) {
+    if (violatedConstraints.contains(constraint)) repaired.push_back(constraint);
     violatedConstraints.remove(constraint);
   } else {
     violatedConstraints.add(constraint);
@@ -250,6 +273,7 @@ void Propagation::catchUp(Dag& dag) {
 
 void Propagation::initConstraints(const Dag& dag) {
   activeConstraints.resize(dag.fixed.nbConstraints());
+  repaired.reserve(dag.fixed.nbConstraints());
   violatedConstraints.resize(dag.fixed.nbConstraints());
   for (std::uint32_t c = 0; c < dag.fixed.nbConstraints(); ++c) {
     if (dag.nodeValue[dag.fixed.constraints[c]] == 0) violatedConstraints.add(c);
@@ -291,6 +315,16 @@ void Propagation::activateSatisfiedConstraints(const Dag& dag) {
     const NodeId id = dag.fixed.constraints[activeConstraints[i]];
     if (dag.nodeValue[id] == 1) activateConstraint(dag, id);
   }
+}
+
+void Propagation::activateRepairedConstraints(const Dag& dag) {
+  if (committedNbViolated == 0) {
+    activateAllConstraints();
+    return;
+  }
+  // By their places, as a walk over all inactive ones would meet them; activating one moves none of the later.
+  std::ranges::sort(repaired, {}, [this](std::uint32_t c) { return activeConstraints.positions[c]; });
+  for (const std::uint32_t c : repaired) activateConstraint(dag, dag.fixed.constraints[c]);
 }
 
 void Propagation::check(const Dag& dag) const {

@@ -37,6 +37,7 @@ MoveSequence::MoveSequence(std::uint32_t size, std::uint32_t nbFreeSteps, std::u
       targetingRate(rate),
       structure(autonomous),
       heuristic(owner) {
+  judgedByCommitted = false;
   name = moveName(length, "MoveSequence");
   if (targetingRate > 100) raise<KernelException>(here<MoveSequence>(), "Targeting rate must be smaller than 100.");
   createFirstMoves();

@@ -43,6 +43,28 @@ TYPED_TEST(ChangedSetOfAnyType, HoldsAndWalksWhatTheSubsetWould) {
   }
 }
 
+TYPED_TEST(ChangedSetOfAnyType, KnowsItsParityAndWhetherItIsAnotherSet) {
+  const std::uint32_t n = std::is_same_v<TypeParam, SubsetBits> ? 1000 : 8;
+  RandomState state = 11;
+  int nbSame = 0;
+  for (int round = 0; round < 500; ++round) {
+    ChangedSet<TypeParam> changed(n);
+    TypeParam subset(n);
+    EXPECT_TRUE(changed.isSameAs(subset));
+    for (std::uint32_t k = rand(state, 4); k > 0; --k) changed.add(rand(state, n), n);
+    changed.forEach([&](OperandPos p) { subset.add(p, n); });
+    if (coin(state)) subset.add(rand(state, n), n);
+    if (coin(state)) subset.remove(rand(state, n), n);
+    bool same = true;
+    for (OperandPos p = 0; p < n; ++p) same = same && changed.contains(p) == subset.contains(p);
+    nbSame += same ? 1 : 0;
+    ASSERT_EQ(changed.isSameAs(subset), same);
+    ASSERT_EQ(changed.hasOddSize(), changed.size() % 2 == 1);
+  }
+  EXPECT_GT(nbSame, 50);
+  EXPECT_LT(nbSame, 450);
+}
+
 TYPED_TEST(ChangedSetOfAnyType, MayHoldNoPositionAtAll) {
   ChangedSet<TypeParam> changed(0);
   changed.clear();

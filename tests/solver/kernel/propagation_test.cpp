@@ -282,6 +282,67 @@ TEST(Propagation, ActivatesTheSatisfiedConstraintsAlone) {
   dag.propagation.check(dag);
 }
 
+/// Two copies of one graph follow the same rises, each of which may repair some "or"s over random decisions; one walks
+/// all inactive constraints behind each commit, the other what the commit repaired.
+TEST(Propagation, ActivatesWhatACommitRepairedInTheOrderOfAWalk) {
+  GraphBuilder graph;
+  RandomState random = 9;
+  const auto x = graph.booleans(30);
+  for (int c = 0; c < 60; ++c) {
+    graph.constraint(graph.add(NodeType::Or, {x[rand(random, 15)], x[15 + rand(random, 15)]}));
+  }
+  for (const NodeId id : {x[3], x[20]}) graph.constraint(id);
+  graph.minimise(graph.constant(0));
+  Dag& walked = graph.build();
+  Dag listed(graph.fixed);
+  listed.init();
+  walked.propagation.activateSatisfiedConstraints(walked);
+  listed.propagation.activateSatisfiedConstraints(listed);
+  std::uint32_t nbRepairs = 0;
+  for (int step = 0; step < 40; ++step) {
+    const std::uint32_t before = listed.propagation.activeConstraints.count;
+    for (const NodeId id : {x[rand(random, 30)], x[rand(random, 30)]}) {
+      walked.propagation.setTentativeValue(walked, id, 1);
+      listed.propagation.setTentativeValue(listed, id, 1);
+    }
+    walked.propagation.commitAll(walked);
+    listed.propagation.commitAll(listed);
+    walked.propagation.activateSatisfiedConstraints(walked);
+    listed.propagation.activateRepairedConstraints(listed);
+    ASSERT_EQ(listed.propagation.activeConstraints.count, walked.propagation.activeConstraints.count);
+    ASSERT_EQ(listed.propagation.activeConstraints.items, walked.propagation.activeConstraints.items);
+    nbRepairs += listed.propagation.activeConstraints.count > before + 1 ? 1 : 0;
+  }
+  EXPECT_GT(nbRepairs, 5U) << "steps that repaired several at once";
+  EXPECT_TRUE(listed.propagation.allConstraintsActive());
+}
+
+TEST(Propagation, CommitsAndRollsBackADecisionThatIsAConstraint) {
+  GraphBuilder graph;
+  const auto x = graph.booleans(2);
+  graph.constraint(x[1]);
+  const NodeId sum = graph.add(NodeType::BooleanSum, x);
+  graph.minimise(sum);
+  Dag& dag = graph.build();
+  dag.flip(x[0]);
+  dag.flip(x[1]);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.propagation.tentativeNbViolated, 0);
+  EXPECT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.tentativeValue[sum], 2);
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_EQ(dag.propagation.committedNbViolated, 1);
+  commitValues(dag, {{x[1], 1}});
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_EQ(dag.propagation.committedNbViolated, 0);
+  dag.propagation.activateAllConstraints();
+  dag.flip(x[1]);
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
 TEST(Propagation, FindsWrongCountersInItsSelfTest) {
   GraphBuilder graph;
   const NodeId x = graph.boolean();

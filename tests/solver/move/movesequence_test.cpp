@@ -22,7 +22,7 @@ class CommitRecorder : public DagListener {
  public:
   explicit CommitRecorder(Dag& ownDag) : dag(ownDag) { dag.propagation.addListener(this); }
   ~CommitRecorder() override { dag.propagation.removeListener(this); }
-  void onCommit() override { steps.push_back(dag.propagation.touchedDecisions); }
+  void onCommit() override { steps.push_back(touched(dag)); }
   std::vector<Ids> steps;
 
  private:
