@@ -7,6 +7,8 @@
 #include <string>
 
 #include "quvex.h"
+#include "qvm/binaryreader.h"
+#include "qvm/textreader.h"
 #include "support/problems.h"
 
 namespace bench {
@@ -80,6 +82,25 @@ void load(benchmark::State& state, const std::string& ending) {
   perExpression(state, nbExpressions);
 }
 
+/// Reads the file to its end as the model's reader would, but makes nothing of it: the price of the form alone.
+template <class Reader>
+void scan(benchmark::State& state, const std::string& ending) {
+  const TemporaryFile file(ending);
+  quvex::Quvex quvex;
+  problemOf(state.range(0)).build(*quvex.getModel());
+  quvex.saveEnvironment(file.path);
+  for (auto _ : state) {
+    Reader reader(file.path);
+    reader.skipValue();
+    benchmark::DoNotOptimize(&reader);
+  }
+  perExpression(state, quvex.getModel()->getNbExpressions());
+  state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(file.path));
+}
+
+constexpr auto scanText = scan<quvex::TextReader>;
+constexpr auto scanBinary = scan<quvex::BinaryReader>;
+
 void bySize(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);
 }
@@ -90,6 +111,10 @@ BENCHMARK_CAPTURE(save, qvm, ".qvm")->Apply(bySize);
 BENCHMARK_CAPTURE(save, qvm_gz, ".qvm.gz")->Apply(bySize);
 BENCHMARK_CAPTURE(save, qvb, ".qvb")->Apply(bySize);
 BENCHMARK_CAPTURE(save, qvb_gz, ".qvb.gz")->Apply(bySize);
+BENCHMARK_CAPTURE(scanText, qvm, ".qvm")->Apply(bySize);
+BENCHMARK_CAPTURE(scanText, qvm_gz, ".qvm.gz")->Apply(bySize);
+BENCHMARK_CAPTURE(scanBinary, qvb, ".qvb")->Apply(bySize);
+BENCHMARK_CAPTURE(scanBinary, qvb_gz, ".qvb.gz")->Apply(bySize);
 BENCHMARK_CAPTURE(load, qvm, ".qvm")->Apply(bySize);
 BENCHMARK_CAPTURE(load, qvm_gz, ".qvm.gz")->Apply(bySize);
 BENCHMARK_CAPTURE(load, qvb, ".qvb")->Apply(bySize);

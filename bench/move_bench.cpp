@@ -1,7 +1,10 @@
-// One attempt of every move of the pool, judged as rejected so that the state stays, on models of different structure;
-// and how the simulation's moves depend on the size of a covering model.
+// One attempt of every move of the pool, judged as rejected so that the state stays, on models of different structure,
+// and a whole solve on each; how the simulation's moves depend on the size of a covering model, and what its tree takes
+// of memory; how the search for a link depends on the distance.
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -13,6 +16,7 @@
 #include "solver/kernel/dag.h"
 #include "solver/kernel/greedysolution.h"
 #include "solver/kernel/heuristic.h"
+#include "solver/move/autonomousstructure.h"
 #include "support/problems.h"
 
 namespace bench {
@@ -57,6 +61,40 @@ void quadraticAssignment(QVModel& model, std::uint32_t n) {
                                             model.createExpression(QVOperator::And, a, b)));
   }
   model.addObjective(cost, QVObjectiveDirection::Minimize);
+}
+
+/// n cars of ten classes on one line: one class per place, so many places per class, and of every window of cars only
+/// some may have an option; each above that costs one.
+void carSequencing(QVModel& model, std::uint32_t n) {
+  constexpr std::uint32_t kClasses = 10;
+  constexpr std::uint32_t kMost[] = {1, 2, 1, 2, 1};
+  constexpr std::uint32_t kWindow[] = {2, 3, 3, 5, 5};
+  quvex::RandomState random = 6;
+  const auto x = createDecisions(model, n * kClasses);
+  for (std::uint32_t p = 0; p < n; ++p) {
+    const std::vector<QVExpression*> place(x.begin() + p * kClasses, x.begin() + (p + 1) * kClasses);
+    model.addConstraint(model.createExpression(QVOperator::Eq, sumOf(model, place), 1));
+  }
+  for (std::uint32_t c = 0; c < kClasses; ++c) {
+    std::vector<QVExpression*> places;
+    for (std::uint32_t p = 0; p < n; ++p) places.push_back(x[p * kClasses + c]);
+    model.addConstraint(model.createExpression(QVOperator::Eq, sumOf(model, places), std::int64_t{n / kClasses}));
+  }
+  QVExpression* excess = model.createExpression(QVOperator::Sum);
+  for (std::uint32_t o = 0; o < std::size(kMost); ++o) {
+    bool hasOption[kClasses];
+    for (bool& has : hasOption) has = quvex::rand(random, kWindow[o] + 2) < kMost[o];
+    for (std::uint32_t first = 0; first + kWindow[o] <= n; ++first) {
+      QVExpression* served = model.createExpression(QVOperator::Sum, -std::int64_t{kMost[o]});
+      for (std::uint32_t p = first; p < first + kWindow[o]; ++p) {
+        for (std::uint32_t c = 0; c < kClasses; ++c) {
+          if (hasOption[c]) served->addOperand(x[p * kClasses + c]);
+        }
+      }
+      excess->addOperand(model.createExpression(QVOperator::Max, served, 0));
+    }
+  }
+  model.addObjective(excess, QVObjectiveDirection::Minimize);
 }
 
 /// n items in n / 4 bins; the fullest bin counts.
@@ -155,6 +193,126 @@ void registerAll(const std::string& label, const std::function<void(QVModel&, st
   }
 }
 
+/// A whole solve of one thread under an iteration limit, from closing to the result.
+void solveWhole(benchmark::State& state, const std::function<void(QVModel&, std::uint32_t)>& build, std::uint32_t n) {
+  constexpr std::int64_t kIterations = 20000;
+  for (auto _ : state) {
+    state.PauseTiming();
+    quvex::Quvex quvex;
+    build(*quvex.getModel(), n);
+    state.ResumeTiming();
+    quvex.getModel()->close();
+    quvex.getParam()->setVerbosity(0);
+    quvex.getParam()->setNbThreads(1);
+    quvex.createPhase()->setIterationLimit(kIterations);
+    quvex.solve();
+  }
+  state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * kIterations);
+}
+
+void registerSolve(const std::string& label, const std::function<void(QVModel&, std::uint32_t)>& build,
+                   std::uint32_t n) {
+  benchmark::RegisterBenchmark(("solve/" + label + "/" + std::to_string(n)).c_str(), [build,
+                                                                                      n](benchmark::State& state) {
+    solveWhole(state, build, n);
+  })->Unit(benchmark::kMillisecond);
+}
+
+std::size_t bytesInUse() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
+/// What the allocator hands out for one more thread's moves and structures, and for what the threads share.
+std::size_t bytesOfSearch(std::uint32_t n, int simulated, std::size_t& shared) {
+  quvex::Quvex quvex;
+  covering(*quvex.getModel(), n);
+  for (const char* move : {"moveEjectionChainEnabled", "moveBinPackingEnabled", "moveSequenceEnabled"}) {
+    quvex.getParam()->setAdvancedParam(move, simulated);
+  }
+  const std::size_t atStart = bytesInUse();
+  quvex.getModel()->close();
+  shared = bytesInUse() - atStart;
+  quvex::Dag& dag = quvex::ModelAccess::dagBuilder(*quvex.getModel())->getDag();
+  const std::size_t before = bytesInUse();
+  const quvex::HeuristicPool pool(&quvex, dag, 1);
+  return bytesInUse() - before;
+}
+
+/// Memory of the constraint tree per decision: the difference that its moves make.
+void treeMemory(benchmark::State& state) {
+  const auto n = static_cast<std::uint32_t>(state.range(0));
+  for (auto _ : state) {
+    std::size_t sharedWith = 0;
+    std::size_t sharedWithout = 0;
+    const std::size_t with = bytesOfSearch(n, 1, sharedWith);
+    const std::size_t without = bytesOfSearch(n, 0, sharedWithout);
+    state.counters["sharedBytes"] = (static_cast<double>(sharedWith) - static_cast<double>(sharedWithout)) / n;
+    state.counters["threadBytes"] = (static_cast<double>(with) - static_cast<double>(without)) / n;
+  }
+}
+
+/// A long sum, and short ones that share one operand with it each, at growing distances from its start.
+class LinkedSums {
+ public:
+  explicit LinkedSums(std::uint32_t n) {
+    QVModel& model = *quvex.getModel();
+    const auto x = createDecisions(model, n);
+    model.addConstraint(model.createExpression(QVOperator::Eq, sumOf(model, x), 1));
+    for (std::uint32_t d = 1; d < n; d *= 10) {
+      for (const std::uint32_t shared : {d, n - d}) {
+        QVExpression* own = model.createExpression(QVOperator::Bool);
+        model.addConstraint(model.createExpression(QVOperator::Eq, sumOf(model, {x[shared], own}), 1));
+      }
+    }
+    model.addObjective(sumOf(model, x), QVObjectiveDirection::Minimize);
+    model.close();
+    quvex::Dag& dag = getDag();
+    pool = std::make_unique<quvex::HeuristicPool>(&quvex, dag, 1);
+    for (const quvex::NodeId constraint : dag.fixed.constraints) {
+      const quvex::NodeId a = dag.child(constraint, 0);
+      const quvex::NodeId b = dag.child(constraint, 1);
+      sums.push_back(dag.fixed.nbChildren[a] != 0 ? a : b);
+    }
+    longest = *std::ranges::max_element(sums, {}, [&](quvex::NodeId id) { return dag.fixed.nbChildren[id]; });
+  }
+  quvex::Dag& getDag() { return quvex::ModelAccess::dagBuilder(*quvex.getModel())->getDag(); }
+  /// The short sum whose shared operand lies `distance` behind the first of the long one, kNone if there is none.
+  quvex::NodeId sumAt(std::uint32_t distance) {
+    const quvex::NodeId wanted = getDag().child(longest, distance);
+    for (const quvex::NodeId sum : sums) {
+      if (sum != longest && std::ranges::count(getDag().fixed.childrenOf(sum), wanted) != 0) return sum;
+    }
+    return quvex::kNone;
+  }
+  const quvex::AutonomousStructure& structure() const { return *pool->getStructure(); }
+  quvex::NodeId longest = quvex::kNone;
+
+ private:
+  quvex::Quvex quvex;
+  std::unique_ptr<quvex::HeuristicPool> pool;
+  std::vector<quvex::NodeId> sums;
+};
+
+/// The link between a sum of two operands and one of a million, by its distance in the long one.
+void findLink(benchmark::State& state) {
+  static LinkedSums model(1000001);
+  quvex::NodeId sum = quvex::kNone;
+  for (std::uint32_t off = 0; off < 3 && sum == quvex::kNone; ++off) {
+    sum = model.sumAt(static_cast<std::uint32_t>(state.range(0)) - 1 + off);
+  }
+  if (sum == quvex::kNone) return state.SkipWithError("no sum is linked at this distance");
+  quvex::RandomState random = 1;
+  std::int64_t found = 0;
+  for (auto _ : state) {
+    if (model.structure().findLink(random, sum, model.longest, true, true) != quvex::kNone) ++found;
+  }
+  state.counters["found%"] = 100.0 * static_cast<double>(found) / static_cast<double>(state.iterations());
+}
+
+BENCHMARK(findLink)->RangeMultiplier(10)->Range(1, 1000000);
+BENCHMARK(treeMemory)->RangeMultiplier(10)->Range(1000, 100000)->Iterations(1);
+
 }  // namespace
 }  // namespace bench
 
@@ -162,10 +320,16 @@ int main(int argc, char** argv) {
   bench::registerAll("assignment", bench::assignment, 300, false);
   bench::registerAll("quadratic", bench::quadraticAssignment, 40, false);
   bench::registerAll("binpacking", bench::binPacking, 120, false);
+  bench::registerAll("carsequencing", bench::carSequencing, 100, false);
   bench::registerAll("timetable", bench::timetable, 200, true);
   for (const std::uint32_t n : {1000U, 10000U, 100000U, 1000000U}) {
     bench::registerAll("covering", bench::covering, n, true);
   }
+  bench::registerSolve("assignment", bench::assignment, 300);
+  bench::registerSolve("quadratic", bench::quadraticAssignment, 40);
+  bench::registerSolve("binpacking", bench::binPacking, 120);
+  bench::registerSolve("carsequencing", bench::carSequencing, 100);
+  bench::registerSolve("timetable", bench::timetable, 200);
   benchmark::Initialize(&argc, argv);
   benchmark::RunSpecifiedBenchmarks();
   return 0;

@@ -10,10 +10,11 @@
 
 namespace quvex {
 
-/// The operands changed in one move, beside an aggregate's persistent sets of type `Set`. It only grows during a move
-/// and is then emptied, so it needs neither removals nor random members; in return, what it touches per move does not
-/// depend on the operand count. It walks its members in the same order as a `Set` would: ascending in masks and bits,
-/// in order of arrival in permutations. Sums of doubles depend on that order to the last bit.
+/// The operands changed in one move, beside an aggregate's persistent sets of type `Set`. Each operand is told once, so
+/// the set only grows during a move and is then emptied: it needs neither removals nor random members, and what it
+/// touches per move does not depend on the operand count. It walks its members in the same order as a `Set` would:
+/// ascending in masks and bits, in order of arrival in permutations. Sums of doubles depend on that order to the last
+/// bit.
 template <class Set>
 class ChangedSet : public Set {
  public:
@@ -50,9 +51,7 @@ class ChangedSet<SubsetBits> : public ListedChanges<ChangedSet<SubsetBits>, Subs
   [[nodiscard]] bool contains(OperandPos p) const { return ((words[p / 64] >> (p % 64)) & 1U) != 0; }
   void add(OperandPos p, std::uint32_t) {
     const std::uint32_t i = p / 64;
-    const std::uint64_t bit = std::uint64_t{1} << (p % 64);
-    if ((words[i] & bit) != 0) return;
-    words[i] |= bit;
+    words[i] |= std::uint64_t{1} << (p % 64);
     ++count;
     firstWord = std::min(firstWord, i);
     lastWord = std::max(lastWord, i);
@@ -77,29 +76,17 @@ class ChangedSet<SubsetBits> : public ListedChanges<ChangedSet<SubsetBits>, Subs
   std::unique_ptr<std::uint64_t[]> words;
 };
 
-/// A list in order of arrival, and a bit per operand that says what is on it. The list's head and the bits of a few
-/// operands stay in the nearest caches where a permutation with its inverse would miss three times per change.
-/// Invariant: bit p is set exactly when p is among the first `count` entries of the list.
+/// A list in order of arrival. Its head stays in the nearest caches, where a permutation with its inverse would miss
+/// three times per change.
 template <class T>
 class ChangedSet<Subset<T>> : public ListedChanges<ChangedSet<Subset<T>>, Subset<T>> {
  public:
-  explicit ChangedSet(std::uint32_t n)
-      : items(std::make_unique_for_overwrite<T[]>(n)), words(std::make_unique<std::uint64_t[]>((n + 63) / 64)) {}
+  explicit ChangedSet(std::uint32_t n) : items(std::make_unique_for_overwrite<T[]>(n)) {}
 
   [[nodiscard]] std::uint32_t size() const { return count; }
   [[nodiscard]] bool empty() const { return count == 0; }
-  [[nodiscard]] bool contains(OperandPos p) const { return ((words[p / 64] >> (p % 64)) & 1U) != 0; }
-  void add(OperandPos p, std::uint32_t) {
-    std::uint64_t& word = words[p / 64];
-    const std::uint64_t bit = std::uint64_t{1} << (p % 64);
-    if ((word & bit) != 0) return;
-    word |= bit;
-    items[count++] = static_cast<T>(p);
-  }
-  void clear() {
-    for (std::uint32_t k = 0; k < count; ++k) words[items[k] / 64] = 0;
-    count = 0;
-  }
+  void add(OperandPos p, std::uint32_t) { items[count++] = static_cast<T>(p); }
+  void clear() { count = 0; }
   template <class Visit>
   void forEach(Visit visit) const {
     const T* const members = items.get();
@@ -108,8 +95,36 @@ class ChangedSet<Subset<T>> : public ListedChanges<ChangedSet<Subset<T>>, Subset
 
  private:
   std::unique_ptr<T[]> items;
-  std::unique_ptr<std::uint64_t[]> words;
   std::uint32_t count = 0;
+};
+
+/// The same for an aggregate that asks which operands have changed: the list has a bit per operand beside it.
+/// Invariant: bit p is set exactly when p is among the members.
+template <class Set>
+class SearchableChangedSet : public ChangedSet<Set> {
+ public:
+  using ChangedSet<Set>::ChangedSet;
+};
+
+template <class T>
+class SearchableChangedSet<Subset<T>> : public ChangedSet<Subset<T>> {
+  using Base = ChangedSet<Subset<T>>;
+
+ public:
+  explicit SearchableChangedSet(std::uint32_t n) : Base(n), words(std::make_unique<std::uint64_t[]>((n + 63) / 64)) {}
+
+  [[nodiscard]] bool contains(OperandPos p) const { return ((words[p / 64] >> (p % 64)) & 1U) != 0; }
+  void add(OperandPos p, std::uint32_t n) {
+    words[p / 64] |= std::uint64_t{1} << (p % 64);
+    Base::add(p, n);
+  }
+  void clear() {
+    this->forEach([&](OperandPos p) { words[p / 64] = 0; });
+    Base::clear();
+  }
+
+ private:
+  std::unique_ptr<std::uint64_t[]> words;
 };
 
 }  // namespace quvex

@@ -24,16 +24,15 @@ struct ParentLink {
   QueueSlot slot;
 };
 
-/// Where a node's parents lie in `DagFixedFields::parents`, and how many of them have which level.
+/// Where a node's parents lie in `DagFixedFields::parents`: one row of ends, sorted by level.
 class ParentRun {
  public:
   explicit ParentRun(const std::uint32_t* runRow) : row(runRow) {}
 
-  /// First entry; 0 for a node without parents.
-  [[nodiscard]] std::uint32_t start() const { return row[0]; }
-  /// Length of the prefix that holds the parents of level `k` or lower; at `k` equal to the number of objectives, of
-  /// the whole run.
-  [[nodiscard]] std::uint32_t count(Level k) const { return row[1 + k]; }
+  /// First entry; 0 for a node without parents. Also that of the parents of level `k` or higher.
+  [[nodiscard]] std::uint32_t start(Level k = 0) const { return row[k]; }
+  /// Behind the last parent of level `k` or lower; at `k` equal to the number of objectives, behind the last of all.
+  [[nodiscard]] std::uint32_t end(Level k) const { return row[k + 1]; }
 
  private:
   const std::uint32_t* row;
@@ -104,7 +103,9 @@ class DagFixedFields {
 
   [[nodiscard]] ParentRun parentRun(NodeId id) const { return ParentRun(parentRuns.data() + id * runStride); }
   [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentRun(id).start(); }
-  [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const { return parentRun(id).count(k); }
+  [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const {
+    return parentRun(id).end(k) - parentStart(id);
+  }
   [[nodiscard]] std::uint32_t parentCount(NodeId id) const { return parentCountByLevel(nbObjectives(), id); }
   [[nodiscard]] std::span<const ParentLink> parentsOf(NodeId id) const {
     return {parents.data() + parentStart(id), parentCount(id)};
@@ -133,8 +134,8 @@ class DagFixedFields {
   void computeRanks();
 
  private:
-  /// Per node: the start of its parent run, then its parent counts by level. One row, so that telling the parents of
-  /// a node costs one cache line.
+  /// Per node: the start of its parent run, then its ends by level. One row, so that telling the parents of a node
+  /// costs one cache line.
   std::vector<std::uint32_t> parentRuns;
   std::size_t runStride = 2;
 
@@ -146,7 +147,7 @@ class DagFixedFields {
   void computeLevels();
   void sortParentsByLevel();
   void assignSlots();
-  std::uint32_t& parentCountCell(Level k, NodeId id) { return parentRuns[id * runStride + 1 + k]; }
+  std::uint32_t& parentEnd(Level k, NodeId id) { return parentRuns[id * runStride + 1 + k]; }
 };
 
 }  // namespace quvex

@@ -12,11 +12,11 @@ namespace quvex {
 
 /// Base of the operators with any number of operands, over `Inner` by the domain of the result.
 /// Invariant: between moves `changedNodes` is empty; during a move it holds the positions whose operand has a tentative
-/// value that differs from its committed one.
+/// value that differs from its committed one, each told once.
 ///
 /// Constructors of the final classes are defined beside their instantiation, so that only that source compiles the
 /// family's code.
-template <class Set, class Inner>
+template <class Set, class Inner, class Changes = ChangedSet<Set>>
 class AggregateNode : public Inner {
  public:
   explicit AggregateNode(std::uint32_t nbOperands) : changedNodes(nbOperands) {}
@@ -40,7 +40,7 @@ class AggregateNode : public Inner {
   }
 
  protected:
-  ChangedSet<Set> changedNodes;
+  Changes changedNodes;
 
   /// `pickDecrease` and `pickIncrease` as one, since they mostly mirror each other.
   virtual bool pickToward(const PickRequest& request, Direction direction, NodeId id) const = 0;

@@ -53,8 +53,8 @@ struct Maximum {
 /// Invariant: `candidates` (the decrease candidates of a minimum, the increase candidates of a maximum) holds exactly
 /// the positions whose operand could, by moving alone, make the committed value better.
 template <class Set, class Order, class Weight>
-class ExtremumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
-  using Base = AggregateNode<Set, typename Weight::Cells::Inner>;
+class ExtremumOf : public AggregateNode<Set, typename Weight::Cells::Inner, SearchableChangedSet<Set>> {
+  using Base = AggregateNode<Set, typename Weight::Cells::Inner, SearchableChangedSet<Set>>;
 
  public:
   explicit ExtremumOf(std::uint32_t nbOperands) : Base(nbOperands), candidates(nbOperands) {}

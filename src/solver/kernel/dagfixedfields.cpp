@@ -67,14 +67,15 @@ void DagFixedFields::buildParents() {
   parentRuns.assign(nbNodes * runStride, 0);
   for (NodeId id = 0; id < nbNodes; ++id) {
     if (isSource(nodeTypes[id])) continue;
-    for (const NodeId operand : childrenOf(id)) ++parentCountCell(last, operand);
+    for (const NodeId operand : childrenOf(id)) ++parentEnd(last, operand);
   }
   std::uint32_t total = 0;
   std::vector<std::uint32_t> next(nbNodes, 0);
   for (NodeId id = 0; id < nbNodes; ++id) {
-    const std::uint32_t count = parentCountByLevel(last, id);
+    const std::uint32_t count = parentEnd(last, id);
     next[id] = count == 0 ? 0 : total;
     parentRuns[id * runStride] = next[id];
+    parentEnd(last, id) = next[id] + count;
     total += count;
   }
   parents.resize(total);
@@ -166,7 +167,7 @@ void DagFixedFields::sortParentsByLevel() {
       for (std::uint32_t i = sorted; i < count; ++i) {
         if (nodeLevel[run[i].parent] == k) std::swap(run[i], run[sorted++]);
       }
-      parentCountCell(k, id) = sorted;
+      parentEnd(k, id) = parentStart(id) + sorted;
     }
   }
 }

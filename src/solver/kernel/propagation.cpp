@@ -76,10 +76,10 @@ void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
   const ParentRun run = fixed.parentRun(id);
-  const std::uint32_t end = run.count(to);
-  const ParentLink* const links = fixed.parents.data() + run.start();
+  const std::uint32_t end = run.end(to);
+  const ParentLink* const links = fixed.parents.data();
   QueueSlot highest = highestSlot;
-  for (std::uint32_t i = from == 0 ? 0 : run.count(from - 1); i < end; ++i) {
+  for (std::uint32_t i = run.start(from); i < end; ++i) {
     const auto [parent, childPos, slot] = links[i];
     if (dag.markDirty(parent)) {
       rankQueues[slot].push(parent);
@@ -88,7 +88,7 @@ inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Lev
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
   highestSlot = highest;
-  if (end < run.count(optimizedLevel)) nextDeferredNodes.push_back(id);
+  if (end < run.end(optimizedLevel)) nextDeferredNodes.push_back(id);
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
