@@ -24,12 +24,8 @@ using Parameters = std::map<std::string, int>;
 /// Without these the list of moves is the table's alone.
 const Parameters kTableOnly = {{"advancedMovesEnabled", 0}};
 
-/// The moves of a search over a model, with their weights: "1-SimpleFlip 1".
-std::vector<std::string> movesOf(void (*build)(QVModel&), const Parameters& parameters) {
-  Quvex quvex;
-  build(*quvex.getModel());
-  for (const auto& [key, value] : parameters) quvex.getParam()->setAdvancedParam(key, value);
-  closeQuietly(quvex, 1);
+/// The moves of a search, with their weights: "1-SimpleFlip 1".
+std::vector<std::string> solvedMovesOf(Quvex& quvex) {
   quvex.setDisplayCallback(nullptr, nullptr);
   quvex.solve();
   std::vector<std::string> moves;
@@ -37,6 +33,15 @@ std::vector<std::string> movesOf(void (*build)(QVModel&), const Parameters& para
     moves.push_back(move->name + " " + std::to_string(move->poolWeight));
   }
   return moves;
+}
+
+/// The same for a model with parameters that are set before it is closed.
+std::vector<std::string> movesOf(void (*build)(QVModel&), const Parameters& parameters) {
+  Quvex quvex;
+  build(*quvex.getModel());
+  for (const auto& [key, value] : parameters) quvex.getParam()->setAdvancedParam(key, value);
+  closeQuietly(quvex, 1);
+  return solvedMovesOf(quvex);
 }
 
 using Moves = std::vector<std::string>;
@@ -57,6 +62,11 @@ void buildTwoEqualities(QVModel& model) {
     model.addConstraint(model.createExpression(QVOperator::Eq, sum, model.createConstant(1)));
   }
   model.addObjective(model.createExpression(QVOperator::And, x[0], x[4]), QVObjectiveDirection::Maximize);
+}
+
+void buildWithoutConstraints(QVModel& model) {
+  const auto x = createDecisions(model, 3);
+  model.addObjective(model.createExpression(QVOperator::Sum, x[0], x[1], x[2]), QVObjectiveDirection::Maximize);
 }
 
 void buildWithoutDecisions(QVModel& model) {
@@ -119,6 +129,37 @@ TEST(HeuristicPool, PutsTheAdvancedMovesLast) {
 TEST(HeuristicPool, RepairsNothingWithoutAConstraintTree) {
   const Moves moves = movesOf(buildWithoutDecisions, {});
   EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1", "2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1"}));
+}
+
+TEST(HeuristicPool, RepairsNothingOnAModelWithoutConstraints) {
+  const Moves moves = movesOf(buildWithoutConstraints, {{"neighborhoodSize", 0}});
+  EXPECT_EQ(moves, (Moves{"1-SimpleFlip 1", "2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1"}));
+}
+
+TEST(HeuristicPool, RepairsNothingOnAModelThatWasClosedWithoutATree) {
+  // Whether there is a tree is decided when the model is closed, what the pool holds when it is solved.
+  for (const char* key : {"advancedMovesEnabled", "moveSequenceEnabled"}) {
+    Quvex quvex;
+    buildOneSlackSum(*quvex.getModel());
+    QVParam& param = *quvex.getParam();
+    param.setAdvancedParam("neighborhoodSize", 0);
+    if (key == std::string("moveSequenceEnabled")) {
+      param.setAdvancedParam("moveBinPackingEnabled", 0);
+      param.setAdvancedParam("moveEjectionChainEnabled", 0);
+    }
+    param.setAdvancedParam(key, 0);
+    closeQuietly(quvex, 1);
+    for (const char* wanted : {key, "moveBinPackingEnabled", "moveEjectionChainEnabled"}) {
+      param.setAdvancedParam(wanted, 1);
+    }
+    EXPECT_EQ(solvedMovesOf(quvex),
+              (Moves{"1-SimpleFlip 1", "2-MoveSequence 1", "3-MoveSequence 1", "4-MoveSequence 1"}))
+        << key;
+
+    quvex.getModel()->open();
+    quvex.getModel()->close();
+    EXPECT_EQ(solvedMovesOf(quvex).size(), 10U) << "closed again, it has one";
+  }
 }
 
 TEST(HeuristicPool, SizesBeyondTheTableAddNothing) {

@@ -369,6 +369,71 @@ TEST(SolveDrive, APhaseIgnoresObjectivesBehindItsOwn) {
   EXPECT_NE(infos[3].find("obj = (2, 2)"), std::string::npos);
 }
 
+TEST_F(SolveDriveOfPhases, ASkippedPhaseHasNoStatistics) {
+  quvex.createPhase()->setTimeLimit(10);
+  quvex.createPhase()->setTimeLimit(20);
+  for (int i = 0; i < 2; ++i) quvex.getPhase(i)->setIterationLimit(50);
+  quvex.setDisplayCallback(nullptr, nullptr);
+  quvex.solve();
+  const QVStatistics& skipped = *quvex.getPhase(1)->getStatistics();
+  EXPECT_EQ(skipped.getNbIterations(), 50);
+  EXPECT_GT(skipped.getNbAcceptedMoves(), 0);
+
+  // The first phase takes all the time of both, so that the figures of the earlier solve must be gone.
+  int displays = 0;
+  const OnDisplay watch(quvex, [&] {
+    if (++displays == 2) ApiPeer::setRunningTime(*quvex.getStatistics(), 30);
+    ApiPeer::setRunningTime(*quvex.getPhase(1)->getStatistics(), 0);
+  });
+  quvex.solve();
+  EXPECT_EQ(displays, 2);
+  EXPECT_EQ(skipped.getRunningTime(), 0);
+  EXPECT_EQ(skipped.getNbIterations(), 0);
+  EXPECT_EQ(skipped.getNbMoves(), 0);
+  EXPECT_EQ(skipped.getNbAcceptedMoves(), 0);
+  EXPECT_EQ(skipped.getNbImprovingMoves(), 0);
+  EXPECT_EQ(skipped.getNbInfeasibleMoves(), 0);
+  EXPECT_EQ(skipped.getNbRejectedMoves(), 0);
+  for (const double percent : {skipped.getPercentAcceptedMoves(), skipped.getPercentImprovingMoves(),
+                               skipped.getPercentRejectedMoves(), skipped.getPercentInfeasibleMoves()}) {
+    EXPECT_EQ(percent, 0.0);
+  }
+  EXPECT_EQ(skipped.toString(),
+            "running time = 0 sec, nb iterations = 0, nb moves = 0\n"
+            "accepted = 0 (0%), improving = 0 (0%)\n"
+            "rejected = 0 (0%), infeasible = 0 (0%)\n");
+  EXPECT_EQ(quvex.getPhase(0)->getStatistics()->getNbIterations(), 50);
+  EXPECT_EQ(quvex.getStatistics()->getNbIterations(), 50);
+}
+
+TEST(SolveDrive, APhaseOfTheFirstObjectiveIsComparedByAll) {
+  // The first objective can be improved once, to 1, and never reaches its computed bound of 2.
+  int nbByTheFirst = 0;
+  int nbByOthers = 0;
+  for (int seed = 1; seed <= 40; ++seed) {
+    Quvex quvex;
+    QVModel& model = *quvex.getModel();
+    const auto x = createDecisions(model, 7);
+    model.addConstraint(model.createExpression(QVOperator::Leq, model.createExpression(QVOperator::Sum, x[1], x[2]),
+                                               model.createConstant(1)));
+    const std::vector<QVExpression*> objectives = {
+        model.createExpression(QVOperator::Sum, x[0], model.createExpression(QVOperator::And, x[1], x[2])),
+        model.createExpression(QVOperator::Sum, x[3], x[4]), model.createExpression(QVOperator::Sum, x[5], x[6])};
+    for (QVExpression* objective : objectives) model.addObjective(objective, QVObjectiveDirection::Maximize);
+    closeQuietly(quvex, 30, 2)->setOptimizedObjective(0);
+    quvex.getParam()->setSeed(seed);
+    quvex.solve();
+    const std::vector<t_value>& first = ApiPeer::heuristic(quvex, 0).bestSolution.objectives;
+    const std::vector<t_value>& second = ApiPeer::heuristic(quvex, 1).bestSolution.objectives;
+    if (second > first) ++(second[0] > first[0] ? nbByTheFirst : nbByOthers);
+    std::vector<t_value> reported;
+    for (const QVExpression* objective : objectives) reported.push_back(objective->getValue());
+    EXPECT_EQ(reported, std::max(first, second));
+  }
+  EXPECT_GT(nbByTheFirst, 0);
+  EXPECT_GT(nbByOthers, 0) << "a tie in the optimised objective is settled by those behind it";
+}
+
 TEST_F(SolveDriveOfPhases, DisplaysAreMadeInStatePaused) {
   quvex.createPhase()->setIterationLimit(5);
   std::vector<QVState> states;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "solver/kernel/dag.h"
@@ -75,6 +76,44 @@ class AssignmentGraph : public SearchGraph {
       place = j;
     }
     return place;
+  }
+};
+
+/// Two items on two places each, starting on their first ones. Place 0 is the first of item 0 and the second of item 1,
+/// place 1 the other way round; the places count what is not on them, so that they fall where their items rise.
+/// The places are the slack sums, the items the equality sums.
+class NegatedPlaces : public SearchGraph {
+ public:
+  std::vector<NodeId> a = booleans(3);
+  std::vector<NodeId> b = booleans(3);
+  NodeId other = boolean();  ///< in both places, in no item
+  NodeId itemA = tiedSum(a, 1);
+  NodeId itemB = tiedSum(b, 1);
+
+  NegatedPlaces() {
+    for (const auto& [first, second] : {std::pair{a[0], b[1]}, std::pair{a[1], b[0]}}) {
+      const NodeId place = add(NodeType::ScalarSum, {first, second, other}, {-1, -1, -1});
+      constraint(add(NodeType::Leq, {place, constant(0)}));
+    }
+    commitValues(start(), {{a[0], 1}, {b[0], 1}});
+  }
+};
+
+/// Two sums tied to 1 that share their only operand at 1.
+class SharedOne : public SearchGraph {
+ public:
+  NodeId shared = boolean();
+  std::vector<NodeId> first = booleans(2);
+  std::vector<NodeId> second = booleans(2);
+  NodeId a = tiedSum({shared, first[0], first[1]}, 1);
+  NodeId b = tiedSum({shared, second[0], second[1]}, 1);
+
+  SharedOne() { commitValues(start(), {{shared, 1}}); }
+
+  /// Puts a random operand of the sum behind `changed`, unless it is among these already.
+  void drawInto(std::vector<NodeId>& changed, RandomState& state, NodeId sum) const {
+    const NodeId drawn = dag->child(sum, rand(state, 3));
+    if (std::ranges::find(changed, drawn) == changed.end()) changed.push_back(drawn);
   }
 };
 

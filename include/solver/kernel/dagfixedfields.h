@@ -24,12 +24,13 @@ struct ParentLink {
   QueueSlot slot;
 };
 
-/// Where a node's parents lie in `DagFixedFields::parents`: one row of ends, sorted by level.
+/// Where a node's parents lie in `DagFixedFields::parents`: one row of ends, sorted by level. It begins with the end of
+/// the node before, since runs follow one another.
 class ParentRun {
  public:
   explicit ParentRun(const std::uint32_t* runRow) : row(runRow) {}
 
-  /// First entry; 0 for a node without parents. Also that of the parents of level `k` or higher.
+  /// First entry of the parents of level `k` or higher.
   [[nodiscard]] std::uint32_t start(Level k = 0) const { return row[k]; }
   /// Behind the last parent of level `k` or lower; at `k` equal to the number of objectives, behind the last of all.
   [[nodiscard]] std::uint32_t end(Level k) const { return row[k + 1]; }
@@ -102,9 +103,10 @@ class DagFixedFields {
   }
 
   [[nodiscard]] ParentRun parentRun(NodeId id) const { return ParentRun(parentRuns.data() + id * runStride); }
-  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentRun(id).start(); }
+  /// 0 for a node without parents.
+  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentCount(id) == 0 ? 0 : parentRun(id).start(); }
   [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const {
-    return parentRun(id).end(k) - parentStart(id);
+    return parentRun(id).end(k) - parentRun(id).start();
   }
   [[nodiscard]] std::uint32_t parentCount(NodeId id) const { return parentCountByLevel(nbObjectives(), id); }
   [[nodiscard]] std::span<const ParentLink> parentsOf(NodeId id) const {
@@ -134,10 +136,9 @@ class DagFixedFields {
   void computeRanks();
 
  private:
-  /// Per node: the start of its parent run, then its ends by level. One row, so that telling the parents of a node
-  /// costs one cache line.
+  /// Behind one 0, per node the ends of its parent run by level: telling the parents of a node costs one cache line.
   std::vector<std::uint32_t> parentRuns;
-  std::size_t runStride = 2;
+  std::size_t runStride = 1;
 
   void countTypes();
   void buildParents();

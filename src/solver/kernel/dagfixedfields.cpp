@@ -63,20 +63,18 @@ void DagFixedFields::initPosInConstraints() {
 
 void DagFixedFields::buildParents() {
   const Level last = nbObjectives();
-  runStride = std::size_t{last} + 2;
-  parentRuns.assign(nbNodes * runStride, 0);
-  for (NodeId id = 0; id < nbNodes; ++id) {
-    if (isSource(nodeTypes[id])) continue;
-    for (const NodeId operand : childrenOf(id)) ++parentEnd(last, operand);
-  }
-  std::uint32_t total = 0;
   std::vector<std::uint32_t> next(nbNodes, 0);
   for (NodeId id = 0; id < nbNodes; ++id) {
-    const std::uint32_t count = parentEnd(last, id);
-    next[id] = count == 0 ? 0 : total;
-    parentRuns[id * runStride] = next[id];
-    parentEnd(last, id) = next[id] + count;
+    if (isSource(nodeTypes[id])) continue;
+    for (const NodeId operand : childrenOf(id)) ++next[operand];
+  }
+  runStride = std::size_t{last} + 1;
+  parentRuns.assign(nbNodes * runStride + 1, 0);
+  std::uint32_t total = 0;
+  for (NodeId id = 0; id < nbNodes; ++id) {
+    const std::uint32_t count = std::exchange(next[id], total);
     total += count;
+    parentEnd(last, id) = total;
   }
   parents.resize(total);
   for (NodeId id = 0; id < nbNodes; ++id) {
@@ -161,13 +159,14 @@ void DagFixedFields::computeLevels() {
 void DagFixedFields::sortParentsByLevel() {
   for (NodeId id = 0; id < nbNodes; ++id) {
     const std::uint32_t count = parentCount(id);
-    ParentLink* run = parents.data() + parentStart(id);
+    const std::uint32_t start = parentRun(id).start();
+    ParentLink* run = parents.data() + start;
     std::uint32_t sorted = 0;
     for (Level k = 0; k < nbObjectives(); ++k) {
       for (std::uint32_t i = sorted; i < count; ++i) {
         if (nodeLevel[run[i].parent] == k) std::swap(run[i], run[sorted++]);
       }
-      parentEnd(k, id) = parentStart(id) + sorted;
+      parentEnd(k, id) = start + sorted;
     }
   }
 }

@@ -50,9 +50,9 @@ void Parallelizer::start() {
   if (nbRunning != 0) raise<KernelException>(here<Parallelizer>(), "Heuristics already started");
   if (heuristics.empty()) raise<KernelException>(here<Parallelizer>(), "No heuristic to start");
   clearFlagsLocked();
+  threads = std::make_unique<boost::thread_group>();
   nbRunning = static_cast<std::uint32_t>(heuristics.size());
   nbPaused = 0;
-  threads = std::make_unique<boost::thread_group>();
   for (std::uint32_t i = 0; i < heuristics.size(); ++i) createThread(i);
 }
 

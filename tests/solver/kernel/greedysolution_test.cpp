@@ -9,6 +9,21 @@
 namespace quvex {
 namespace {
 
+/// The decisions of each commit.
+class CommitRecorder final : public DagListener {
+ public:
+  explicit CommitRecorder(Dag& ownDag) : dag(ownDag) { dag.propagation.addListener(this); }
+  ~CommitRecorder() override { dag.propagation.removeListener(this); }
+  void onCommit() override {
+    const NodeList& touched = dag.propagation.touchedDecisions;
+    commits.emplace_back(touched.begin(), touched.end());
+  }
+  std::vector<std::vector<NodeId>> commits;
+
+ private:
+  Dag& dag;
+};
+
 TEST(GreedySolution, NeedsAnInitialisedDag) {
   GraphBuilder graph;
   graph.minimise(graph.boolean());
@@ -74,6 +89,45 @@ TEST(GreedySolution, SpendsADrawButNoEvaluationOnADecisionAlreadySet) {
   (void)rand(expected, 2);
   EXPECT_EQ(state, expected);
   EXPECT_EQ(dag.nodeValue[sum], 2);
+}
+
+TEST(GreedySolution, CommitsOncePerDecisionThatItSets) {
+  // Two of four decisions are set already: all four are drawn, and the two others alone are tried.
+  GraphBuilder graph;
+  const auto x = graph.booleans(4);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  graph.constraint(graph.add(NodeType::Geq, {sum, graph.constant(9)}));
+  graph.minimise(sum);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[0], 1}, {x[2], 1}});
+  for (const RandomState seed : {5U, 1000003U, 4000000007U}) {
+    commitValues(dag, {{x[1], 0}, {x[3], 0}});
+    RandomState expected = seed;
+    std::vector<NodeId> order = x;
+    for (std::uint32_t i = 0; i < 4; ++i) std::swap(order[i], order[i + rand(expected, 4 - i)]);
+    std::erase_if(order, [&](NodeId id) { return dag.nodeValue[id] == 1; });
+    RandomState state = seed;
+    const CommitRecorder recorder(dag);
+    EXPECT_FALSE(GreedySolution(state).computeSolution(dag));
+    EXPECT_EQ(state, expected);
+    EXPECT_EQ(recorder.commits, (std::vector<std::vector<NodeId>>{{order[0]}, {order[1]}}));
+    EXPECT_EQ(dag.nodeValue[sum], 4);
+  }
+}
+
+TEST(GreedySolution, RollsBackWhatViolatesMore) {
+  // The first decision repairs a constraint; any other breaks one, and is not committed.
+  GraphBuilder graph;
+  const auto x = graph.booleans(3);
+  graph.constraint(x[0]);
+  for (const NodeId id : {x[1], x[2]}) graph.constraint(graph.add(NodeType::Not, {id}));
+  graph.minimise(x[0]);
+  Dag& dag = graph.build();
+  RandomState state = 5;
+  const CommitRecorder recorder(dag);
+  EXPECT_TRUE(GreedySolution(state).computeSolution(dag));
+  EXPECT_EQ(recorder.commits, (std::vector<std::vector<NodeId>>{{x[0]}}));
+  EXPECT_TRUE(isWholeGraphInit(dag));
 }
 
 TEST(GreedySolution, GoesStraightToItsCheckWithoutBooleanDecisions) {

@@ -202,6 +202,39 @@ TEST(Heuristic, EndsByItselfAtTheComputedBound) {
   EXPECT_EQ(dag.nodeValue[x], 1);
 }
 
+TEST(Heuristic, SearchesWithoutTheObjectivesBehindTheOptimisedOne) {
+  GraphBuilder graph;
+  const auto x = graph.booleans(3);
+  const NodeId whole = graph.integer();
+  const NodeId first = graph.add(NodeType::Sum, {whole, x[0]});
+  const NodeId third = graph.add(NodeType::Sum, {whole, x[2]});
+  for (const NodeId objective : {first, x[1], third}) graph.maximise(objective);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[1], 1}});
+  RandomState state = 1;
+  HeuristicDescent heuristic(dag);
+  heuristic.setOptimizedObjective(0);
+  // Better in the first, then better in the second, then worse in the third: only the first counts.
+  heuristic.addMove(
+      std::make_unique<FlipMove>(dag, state, std::vector<std::vector<NodeId>>{{x[0], x[1], x[2]}, {x[1]}, {x[2]}}));
+  heuristic.setIterationLimit(3);
+  heuristic.run();
+  EXPECT_EQ(heuristic.getMove(0).nbAccepted, 3U);
+  EXPECT_EQ(heuristic.getMove(0).nbImprovements, 1U);
+  EXPECT_EQ(heuristic.bestSolution.objectives, (std::vector<t_value>{1, 0, 1}));
+  EXPECT_EQ(dag.nodeValue[x[2]], 0);
+  EXPECT_EQ(dag.nodeValue[third], 1) << "of the last recorded solution, and not evaluated since";
+
+  // A comparison looks at all of them, the second before the third.
+  const Solution last(dag);
+  EXPECT_EQ(last.objectives, (std::vector<t_value>{1, 1, 0}));
+  EXPECT_EQ(last.compare(heuristic.bestSolution), 1);
+  EXPECT_EQ(heuristic.bestSolution.compare(last), -1);
+  commitValues(dag, {{x[2], 1}});
+  const Solution better(dag);
+  EXPECT_EQ(better.compare(last), 1) << "the third alone";
+}
+
 TEST(Heuristic, GoesOnPastItsBoundsWhileAConstraintIsInactive) {
   GraphBuilder graph;
   const NodeId x = graph.boolean();

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
 #include "solver/kernel/dag.h"
 #include "solver/kernel/heuristicdescent.h"
 #include "support/failure.h"
@@ -10,6 +14,45 @@
 
 namespace quvex {
 namespace {
+
+/// Something that happens once on one thread, and that another waits for.
+class Event {
+ public:
+  void set() {
+    {
+      const std::lock_guard lock(mutex);
+      isSet = true;
+    }
+    condition.notify_all();
+  }
+  void wait() {
+    std::unique_lock lock(mutex);
+    condition.wait(lock, [this] { return isSet; });
+  }
+
+ private:
+  std::mutex mutex;
+  std::condition_variable condition;
+  bool isSet = false;
+};
+
+/// Tells that a heuristic has ended. Added behind the parallelizer's own callback it comes after that one.
+struct EndWatch final : HeuristicCallback {
+  Event ended;
+  void onStart() override {}
+  void onEnd() override { ended.set(); }
+  void onIteration() override {}
+};
+
+/// A failure that tells when its search thread is done with it, which is when it has been stored.
+class WatchedFailure : public KernelException {
+ public:
+  explicit WatchedFailure(Event& ownEvent) : KernelException("file", 1, "function", "No way on."), handled(ownEvent) {}
+  ~WatchedFailure() override { handled.set(); }
+
+ private:
+  Event& handled;
+};
 
 /// Threads that flip one decision for ever, on a model whose objective has no bound that they could reach.
 struct SomeThreads : testing::Test {
@@ -198,6 +241,103 @@ TEST_F(SomeThreads, CarriesAFailureOfASearchThreadToTheCaller) {
   EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
 }
 
+/// More iterations than any thread of these tests really does.
+constexpr std::uint64_t kFar = 4000000000;
+
+TEST_F(SomeThreads, ForgetsInAPauseThatAThreadHasEnded) {
+  addThread(kFar + 1);
+  addThread(kForEver);
+  EndWatch watch;
+  heuristics[0]->addCallback(&watch);
+  moves[0]->beforeApply = [this] { heuristics[0]->iterations = kFar; };
+  parallelizer.start();
+  watch.ended.wait();
+  parallelizer.pause();
+  ASSERT_EQ(parallelizer.status(), Parallelizer::Status::Paused);
+  // Past the count of the first, the second would stop at its next boundary; but it goes on to its own limit.
+  heuristics[1]->iterations = 2 * kFar;
+  heuristics[1]->setIterationLimit(2 * kFar + 500);
+  parallelizer.resume();
+  while (!parallelizer.waitFor(1)) {
+  }
+  EXPECT_EQ(heuristics[1]->iterations, 2 * kFar + 500);
+  EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
+  heuristics[0]->removeCallback(&watch);
+}
+
+TEST_F(SomeThreads, DropsInAPauseWhatASearchThreadHasStored) {
+  addThread(kForEver);
+  addThread(kForEver);
+  Event stored;
+  moves[0]->beforeApply = [this, &stored] {
+    heuristics[0]->iterations = kFar;
+    throw WatchedFailure(stored);
+  };
+  parallelizer.start();
+  stored.wait();
+  parallelizer.pause();
+  ASSERT_EQ(parallelizer.status(), Parallelizer::Status::Paused);
+  const std::uint64_t held = heuristics[1]->iterations;
+  heuristics[1]->setIterationLimit(held + 500);
+  parallelizer.resume();
+  EXPECT_EQ(failureOf([&] {
+              while (!parallelizer.waitFor(1)) {
+              }
+            }),
+            "no failure");
+  EXPECT_EQ(heuristics[1]->iterations, held + 500);
+}
+
+TEST_F(SomeThreads, StopsFromAnotherThreadWhileTheCallerWaits) {
+  addThread(kForEver);
+  addThread(kForEver);
+  Event begun;
+  moves[1]->beforeApply = [&begun] { begun.set(); };
+  parallelizer.start();
+  std::thread stopper([&] {
+    begun.wait();
+    parallelizer.stopAndJoin();
+    EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
+  });
+  while (!parallelizer.waitFor(1)) {
+  }
+  stopper.join();
+  EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
+  EXPECT_GT(moves[1]->nbAttempted, 0U);
+
+  // Nothing of the stop is left for the next run.
+  for (const auto& heuristic : heuristics) heuristic->setIterationLimit(50);
+  parallelizer.start();
+  while (!parallelizer.waitFor(1)) {
+  }
+  for (const auto& heuristic : heuristics) EXPECT_EQ(heuristic->iterations, 50U);
+}
+
+TEST_F(SomeThreads, StopsPausedThreadsFromAnotherThread) {
+  addThread(kForEver);
+  addThread(kForEver);
+  parallelizer.start();
+  parallelizer.pause();
+  const std::uint64_t held = heuristics[0]->iterations;
+  std::thread([this] { parallelizer.stopAndJoin(); }).join();
+  EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
+  EXPECT_EQ(heuristics[0]->iterations, held + 1) << "the iteration that follows the pause is the last one";
+  EXPECT_TRUE(parallelizer.waitFor(0));
+}
+
+TEST_F(SomeThreads, RaisesWhatWasStoredInTheThreadThatStops) {
+  addThread(kForEver);
+  Event stored;
+  moves[0]->beforeApply = [&stored] { throw WatchedFailure(stored); };
+  parallelizer.start();
+  stored.wait();
+  Failure failure;
+  std::thread([&] { failure = failureOf([this] { parallelizer.stopAndJoin(); }); }).join();
+  EXPECT_EQ(failure.explanation, "No way on.");
+  EXPECT_TRUE(failure.isKernel);
+  EXPECT_EQ(failureOf([this] { EXPECT_TRUE(parallelizer.waitFor(0)); }), "no failure") << "it is raised once";
+}
+
 TEST_F(SomeThreads, PrefersTheBetterSolutionThenTheEarlierOne) {
   addThread(1);
   addThread(3);
@@ -213,6 +353,46 @@ TEST_F(SomeThreads, PrefersTheBetterSolutionThenTheEarlierOne) {
     }
   }
   EXPECT_EQ(parallelizer.getBestHeuristic(), heuristics[2].get());
+}
+
+TEST(Parallelizer, ComparesAllObjectivesOfSearchesThatOptimisedTheFirst) {
+  GraphBuilder graph;
+  const auto x = graph.booleans(3);
+  graph.maximise(graph.add(NodeType::Sum, {graph.integer(), x[0]}));
+  graph.maximise(graph.add(NodeType::Sum, {graph.integer(), x[1]}));
+  graph.maximise(graph.add(NodeType::Sum, {graph.integer(), x[2]}));
+  graph.fixed.init();
+  // All reach the same value of the first objective: the third tells the first two searches apart, and the second
+  // objective outweighs the third.
+  const std::vector<std::vector<NodeId>> flips = {{x[0]}, {x[0], x[2]}, {x[0], x[1]}};
+  const auto bestOf = [&](std::size_t nbThreads) {
+    std::vector<std::unique_ptr<Dag>> dags;
+    std::vector<std::unique_ptr<HeuristicDescent>> heuristics;
+    std::vector<RandomState> states(nbThreads, 1);
+    Parallelizer parallelizer;
+    for (std::size_t t = 0; t < nbThreads; ++t) {
+      dags.push_back(std::make_unique<Dag>(graph.fixed));
+      dags.back()->init();
+      heuristics.push_back(std::make_unique<HeuristicDescent>(*dags.back()));
+      HeuristicDescent& heuristic = *heuristics.back();
+      heuristic.addMove(
+          std::make_unique<FlipMove>(*dags.back(), states[t], std::vector<std::vector<NodeId>>{flips[t], {}}));
+      heuristic.setOptimizedObjective(0);
+      heuristic.setIterationLimit(2);
+      parallelizer.addHeuristic(&heuristic);
+    }
+    parallelizer.start();
+    while (!parallelizer.waitFor(1)) {
+    }
+    const Heuristic* best = parallelizer.getBestHeuristic();
+    for (const auto& dag : dags) EXPECT_EQ(dag->propagation.optimizedLevel, 1U);
+    std::size_t index = 0;
+    while (heuristics[index].get() != best) ++index;
+    parallelizer.clearHeuristics();
+    return index;
+  };
+  EXPECT_EQ(bestOf(2), 1U);
+  EXPECT_EQ(bestOf(3), 2U);
 }
 
 }  // namespace

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "support/treegraph.h"
 #include "support/treeoracle.h"
@@ -207,6 +210,19 @@ TEST(MoveEjectionChain, FlipsATargetAloneWhenOneFlipIsAllowed) {
   EXPECT_EQ(model.state(), stepped(5, 1)) << "the percentage alone";
 }
 
+TEST(MoveEjectionChain, FlipsATargetAloneThatHasNoParent) {
+  TreeGraph model;
+  const NodeId x = model.boolean();
+  model.constraint(x);
+  Dag& dag = model.grow();
+  ASSERT_EQ(dag.fixed.parentCount(x), 0U);
+  MoveEjectionChain move(100, 4, 4, 2, *model.structure, dag);
+  model.state() = 5;
+  ASSERT_TRUE(move.apply());
+  EXPECT_EQ(touched(dag), Ids{x});
+  EXPECT_EQ(model.state(), stepped(5, 1)) << "the percentage alone";
+}
+
 TEST(MoveEjectionChain, DropsATargetOutsideOfTheTree) {
   TreeGraph model;
   const NodeId inside = model.boolean();
@@ -274,28 +290,162 @@ TEST(MoveEjectionChain, TakesARepairForCompleteThatADeepConstraintUndoes) {
   }
 }
 
-TEST(MoveEjectionChain, TransfersBetweenTwoViolatedConstraints) {
-  // Both sums need the shared decision; without a transfer each would take one of its own.
+TEST(MoveEjectionChain, LeavesAConstraintAboveTheCutToTheEvaluation) {
+  // The conjunction of rank 5 is violated before and after, which the simulation can't see: the chain counts as
+  // complete, whether or not it had something to repair.
   TreeGraph model;
-  const Ids x = model.booleans(5);
-  const NodeId a = model.require(NodeType::Or, {x[0], x[2]});
-  const NodeId b = model.require(NodeType::Or, {x[1], x[2]});
-  model.require(NodeType::Leq, {model.add(NodeType::BooleanSum, {x[3], x[4]}), model.constant(2)});
+  const Ids x = model.booleans(2);
+  const Ids y = model.booleans(6);
+  const NodeId any = model.require(NodeType::Or, x);
+  NodeId deep = y[0];
+  for (std::uint32_t r = 1; r <= 5; ++r) deep = model.add(NodeType::And, {deep, y[r]});
+  model.constraint(deep);
   Dag& dag = model.grow();
-  ASSERT_EQ(model.violated(), (Ids{a, b}));
-  MoveEjectionChain move(0, 1, 9, 9, *model.structure, dag);
-  std::uint32_t nbShared = 0;
-  for (const RandomState seed : someSeeds(200)) {
-    model.state() = seed;
-    if (!move.apply()) {
-      move.conclude(Outcome::Infeasible);
-      continue;
+  ASSERT_FALSE(model.isInTree(deep));
+  MoveEjectionChain move(0, 2, 2, 1, *model.structure, dag);
+  for (const bool isRepair : {true, false}) {
+    if (!isRepair) model.commit({{x[0], 1}, {x[1], 1}});
+    ASSERT_EQ(model.violated(), isRepair ? Ids{any} : Ids{});
+    ASSERT_EQ(dag.propagation.committedNbViolated, isRepair ? 2 : 1);
+    for (const RandomState seed : someSeeds(20)) {
+      model.state() = seed;
+      ASSERT_TRUE(move.apply());
+      EXPECT_TRUE(model.violated().empty());
+      EXPECT_FALSE(touched(dag).empty());
+      ASSERT_TRUE(move.evaluateLevel(0));
+      EXPECT_EQ(dag.tentativeValue[deep], 0);
+      EXPECT_EQ(dag.propagation.tentativeNbViolated, 1);
+      EXPECT_EQ(move.constraintsBetter(), isRepair);
+      EXPECT_FALSE(move.constraintsWorse());
+      move.conclude(Outcome::Rejected);
     }
-    EXPECT_TRUE(model.violated().size() <= 2);
-    if (std::ranges::count(touched(dag), x[2]) == 1) ++nbShared;
-    move.conclude(Outcome::Rejected);
   }
-  EXPECT_GT(nbShared, 50U);
+}
+
+TEST(MoveEjectionChain, TransfersBetweenTwoViolatedConstraints) {
+  // The first step repairs the constraint with a single way out. The two that remain share one decision.
+  TreeGraph model;
+  const Ids x = model.booleans(6);
+  const NodeId a = model.require(NodeType::Or, {x[0], x[1], x[2]});
+  const NodeId b = model.require(NodeType::Or, {x[2], x[3], x[4]});
+  const NodeId single = model.require(NodeType::Or, {x[5]});
+  const NodeId outside = model.boolean();
+  model.require(NodeType::Leq, {outside, model.constant(1)});
+  Dag& dag = model.grow();
+  ASSERT_EQ(model.violated(), (Ids{a, b, single}));
+  const StaticIndex startOutside = model.staticIndex(outside);
+  const auto nbNodes = static_cast<std::uint32_t>(model.structures.staticNodes.size());
+  MoveEjectionChain move(0, 2, 9, 9, *model.structure, dag);
+  int nbTransfers = 0;
+  for (const RandomState seed : someSeeds(200)) {
+    RandomState expected = seed;
+    if (rand(expected, nbNodes) != startOutside) continue;
+    (void)rand(expected, 3);  // where the round over the violated constraints begins
+    (void)rand(expected, 2);  // which of the two left comes first
+    (void)rand(expected, 3);  // where its list would be entered
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), (Ids{outside, x[5], x[2]}));
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_TRUE(model.violated().empty());
+    move.conclude(Outcome::Rejected);
+    ++nbTransfers;
+  }
+  EXPECT_GT(nbTransfers, 0);
+}
+
+TEST(MoveEjectionChain, DrawsTwoOfThreeViolatedConstraintsForATransfer) {
+  // Any two of the three share one decision. The first step repairs the constraint with a single way out, the second
+  // and last one transfers.
+  TreeGraph model;
+  const Ids x = model.booleans(7);
+  const std::vector<Ids> operands = {{x[0], x[1], x[3]}, {x[1], x[2], x[4]}, {x[0], x[2], x[5]}};
+  for (const Ids& ids : operands) model.require(NodeType::Or, ids);
+  const NodeId single = model.require(NodeType::Or, {x[6]});
+  const NodeId outside = model.boolean();
+  model.require(NodeType::Leq, {outside, model.constant(1)});
+  Dag& dag = model.grow();
+  const auto nbNodes = static_cast<std::uint32_t>(model.structures.staticNodes.size());
+  const auto sharedBy = [&](NodeId one, NodeId two) {
+    Ids both;
+    std::ranges::set_intersection(dag.fixed.childrenOf(one), dag.fixed.childrenOf(two), std::back_inserter(both));
+    return both.at(0);
+  };
+  MoveEjectionChain move(0, 1, 9, 9, *model.structure, dag);
+  std::set<std::pair<std::uint32_t, std::uint32_t>> pairs;
+  for (const RandomState seed : someSeeds(1000)) {
+    RandomState expected = seed;
+    if (rand(expected, nbNodes) != model.staticIndex(outside)) continue;
+    Ids left = model.violated();
+    ASSERT_EQ(left.size(), 4U);
+    *std::ranges::find(left, single) = left.back();
+    left.pop_back();
+    (void)rand(expected, 4);  // where the round over the violated constraints begins
+    const std::uint32_t a = rand(expected, 3);
+    const std::uint32_t b = (a + 1 + rand(expected, 2)) % 3;
+    (void)rand(expected, 3);  // where the list of the first would be entered
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), (Ids{outside, x[6], sharedBy(left[a], left[b])}));
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_EQ(model.violated().size(), 1U);
+    move.conclude(Outcome::Rejected);
+    pairs.insert({a, b});
+  }
+  EXPECT_EQ(pairs.size(), 6U);
+}
+
+/// Four violated disjunctions of two decisions each, which share none.
+class Apart : public TreeGraph {
+ public:
+  Ids x = booleans(8);
+  Ids roots;
+
+  Apart() {
+    for (std::size_t i = 0; i < 8; i += 2) roots.push_back(require(NodeType::Or, {x[i], x[i + 1]}));
+    grow();
+  }
+
+  /// The flips of an attempt that starts at random and then repairs one disjunction a step, behind a vain transfer
+  /// where two are left.
+  [[nodiscard]] Ids attempt(RandomState& state) const {
+    Ids left = violated();  // in the order of their set, whose last entry fills a gap
+    const auto repair = [&](NodeId root, std::uint32_t operand) {
+      *std::ranges::find(left, root) = left.back();
+      left.pop_back();
+      return fixed.childrenOf(root)[operand];
+    };
+    const std::uint32_t node = rand(state, 12);
+    Ids flips = {node < 8 ? repair(roots[node / 2], node % 2) : repair(roots[node - 8], rand(state, 2))};
+    while (!left.empty()) {
+      const auto n = static_cast<std::uint32_t>(left.size());
+      if (n == 2) state = stepped(state, 2);  // the first of the two, and where its list would be entered
+      const NodeId root = left[rand(state, n)];
+      flips.push_back(repair(root, rand(state, 2)));
+    }
+    return flips;
+  }
+};
+
+TEST(MoveEjectionChain, FallsBackOnARepairWhereTwoViolatedConstraintsShareNothing) {
+  Apart model;
+  Dag& dag = *model.dag;
+  ASSERT_EQ(model.violated().size(), 4U);
+  MoveEjectionChain move(0, 2, 2, 1, *model.structure, dag);
+  for (const RandomState seed : someSeeds(100)) {
+    RandomState expected = seed;
+    const Ids flips = model.attempt(expected);
+    ASSERT_EQ(flips.size(), 4U);
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), flips) << "the transfer that finds nothing costs no step";
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_TRUE(model.violated().empty());
+    ASSERT_TRUE(move.evaluateLevel(0));
+    EXPECT_EQ(dag.propagation.tentativeNbViolated, 0);
+    move.conclude(Outcome::Rejected);
+    EXPECT_EQ(model.violated().size(), 4U);
+  }
 }
 
 }  // namespace

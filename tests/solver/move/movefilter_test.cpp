@@ -139,6 +139,18 @@ TEST(MoveFilter, KeepsAUnitForAMoveThatWasEverAccepted) {
   EXPECT_EQ(model.weights(), (Weights{1, 4}));
 }
 
+TEST(MoveFilter, TakesNothingFromAUnitOfAMoveThatWasEverAccepted) {
+  // It wants its unit although its share is none, and although it never improved: only the hopeless move pays.
+  FilterModel model;
+  setCounts(model.add(1), 100, 1, 0, 0);
+  setCounts(model.add(3), 100, 100, 100, 0);
+  setCounts(model.add(1), 1000, 0, 0, 1000);
+  MoveFilter filter(*model.heuristic, false);
+  filter.onStart();
+  filter.adapt();
+  EXPECT_EQ(model.weights(), (Weights{1, 4, 0}));
+}
+
 TEST(MoveFilter, KeepsOnlyAcceptedMovesWhenAllFail) {
   FilterModel model;
   setCounts(model.add(0), 1000, 2, 1, 998);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "support/searchgraph.h"
 
 namespace quvex {
@@ -105,6 +107,34 @@ TEST(MoveKCycle, TakesAStepInTheRareDirectionFromTheSumOfATargetAgainstIt) {
     EXPECT_EQ(model.state(), expected);
     move.conclude(Outcome::Infeasible);
   }
+}
+
+TEST(MoveKCycle, EndsWhereTheStepInTheRareDirectionLeadsToNoSum) {
+  // The target falls, though its sum is one that should rise. What then rises in that sum lies in no other one, or it
+  // leads to where the first walk has ended. The link between both sums that is at hand is not looked for.
+  SearchGraph model;
+  const Ids x = model.booleans(6);
+  const NodeId from = model.limitedSum({x[0], x[1], x[2], x[3]}, 4);
+  model.limitedSum({x[0], x[3], x[4], x[5]}, 4);
+  model.minimise(x[0]);
+  Dag& dag = model.start();
+  commitValues(dag, {{x[0], 1}, {x[1], 1}});
+  MoveKCycle move(3, 8, 100, *model.structure);
+  std::set<NodeId> risen;
+  for (const RandomState seed : someSeeds(60)) {
+    RandomState expected = stepped(seed, 1);
+    if (rand(expected, 2) != 0) continue;  // the other sum starts
+    (void)rand(expected, 2);               // where the search for another sum of the target begins
+    const NodeId rising = drawOperandAt(dag, expected, from, 0);
+    if (rising == x[3]) (void)rand(expected, 2);
+    model.state() = seed;
+    EXPECT_FALSE(move.apply());
+    EXPECT_EQ(touched(dag), (Ids{x[0], rising}));
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Infeasible);
+    risen.insert(rising);
+  }
+  EXPECT_EQ(risen, (std::set<NodeId>{x[2], x[3]}));
 }
 
 TEST(MoveKCycle, PrefersTheEqualitySumsOfATargetThatHasTwo) {

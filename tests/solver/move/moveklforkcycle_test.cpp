@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "support/searchgraph.h"
 
 namespace quvex {
@@ -101,6 +103,46 @@ TEST(MoveKLForkCycle, FailsWhereABranchFindsNoSum) {
     EXPECT_EQ(touched(*model.dag).size(), 1U);
     move.conclude(Outcome::Infeasible);
   }
+}
+
+TEST(MoveKLForkCycle, FailsWhereTheLinkOfABranchHasChanged) {
+  // Both branches lead to one sum, and only one decision links it to the start: the second branch can't close.
+  SearchGraph model;
+  const NodeId first = model.boolean();
+  const NodeId link = model.boolean();
+  const NodeId idle = model.boolean();
+  const Ids branches = model.booleans(2);
+  const NodeId extra = model.boolean();
+  const NodeId middle = model.limitedSum({first, branches[0], branches[1]}, 3);
+  const NodeId end = model.add(NodeType::ScalarSum, {link, branches[0], branches[1], extra}, {-1, 1, 1, -1});
+  model.constraint(model.add(NodeType::Leq, {end, model.constant(2)}));
+  const NodeId start = model.tiedSum({first, link, idle}, 1);
+  Dag& dag = model.start();
+  commitValues(dag, {{first, 1}});
+  ASSERT_EQ(model.structures.sums, (Ids{middle, end, start}));
+  MoveKLForkCycle move(3, 2, 1, 0, *model.structure);
+  std::set<std::size_t> nbChanged;
+  for (const RandomState seed : someSeeds(100)) {
+    RandomState expected = seed;
+    if (rand(expected, 3) != 2) continue;
+    const NodeId one = drawOperandAt(dag, expected, middle, 0);
+    (void)rand(expected, 2);  // where the search for its other sum begins
+    (void)rand(expected, 2);  // where the search for the link begins in the first sum
+    const NodeId two = drawOperandAt(dag, expected, middle, 0);
+    Ids wanted = {first, one, link};
+    if (two != one) {
+      (void)rand(expected, 2);
+      (void)rand(expected, 2);
+      wanted.push_back(two);
+    }
+    model.state() = seed;
+    EXPECT_FALSE(move.apply());
+    EXPECT_EQ(touched(dag), wanted);
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Infeasible);
+    nbChanged.insert(wanted.size());
+  }
+  EXPECT_EQ(nbChanged, (std::set<std::size_t>{3, 4}));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "support/searchgraph.h"
 
 namespace quvex {
@@ -46,6 +48,35 @@ TEST(MoveKLForkPath, HangsTwoFlipsPerForkFromTheLastSum) {
     move.conclude(expectedBuilt ? Outcome::Rejected : Outcome::Infeasible);
   }
   EXPECT_GT(nbBuilt, 0);
+}
+
+TEST(MoveKLForkPath, LeavesABranchOpenWhoseLastFlipHasBeenMade) {
+  // Both branches end in one sum, whose only operand at 1 the first branch takes.
+  SearchGraph model;
+  const Ids x = model.booleans(5);
+  model.limitedSum({x[0], x[4]}, 2);
+  const NodeId middle = model.tiedSum({x[0], x[1], x[2]}, 1);
+  model.limitedSum({x[1], x[2], x[3]}, 3);
+  Dag& dag = model.start();
+  commitValues(dag, {{x[0], 1}, {x[3], 1}});
+  MoveKLForkPath move(3, 2, 1, 0, *model.structure);
+  std::set<bool> outcomes;
+  for (const RandomState seed : someSeeds(100)) {
+    RandomState expected = seed;
+    const bool isFirst = rand(expected, 2) == 0;
+    if (!coin(expected) || !isFirst) continue;
+    const NodeId one = drawOperandAt(dag, expected, middle, 0);
+    const NodeId two = drawOperandAt(dag, expected, middle, 0);
+    Ids wanted = {x[0], one, x[3]};
+    if (two != one) wanted.push_back(two);
+    model.state() = seed;
+    EXPECT_EQ(move.apply(), two != one) << "a branch that begins with a changed decision is a dead end";
+    EXPECT_EQ(touched(dag), wanted);
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Rejected);
+    outcomes.insert(two != one);
+  }
+  EXPECT_EQ(outcomes.size(), 2U);
 }
 
 TEST(MoveKLForkPath, StartsWithAWalkOfNoStepsAtSize2) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 
 #include "support/searchgraph.h"
 
@@ -141,6 +142,62 @@ TEST(MoveKMirror, WrapsAtPosition0) {
     ++nbWrapped;
   }
   EXPECT_GT(nbWrapped, 0);
+}
+
+/// The one run over two sums begins at either of them, toward the other.
+bool drawsRunOfTwo(RandomState& state) {
+  const std::uint32_t start = rand(state, 2);
+  const bool isForward = coin(state);
+  return isForward == (start == 0);
+}
+
+TEST(MoveKMirror, PassesOverDecisionsThatHaveChanged) {
+  // Both sums give up the same decision, and what each gets is any operand of its own.
+  SharedOne model;
+  Dag& dag = *model.dag;
+  MoveKMirror move(2, 8, 0, *model.structure);
+  std::set<std::size_t> nbChanged;
+  for (const RandomState seed : someSeeds(100)) {
+    RandomState expected = seed;
+    // From the first sum backward, the run wraps and ends at the last one.
+    RandomState probe = seed;
+    const bool isWrapped = rand(probe, 2) == 0 && !coin(probe);
+    if (!drawsRunOfTwo(expected) && !isWrapped) continue;
+    (void)rand(expected, 2);  // where the search for another sum begins, of either
+    (void)rand(expected, 2);
+    Ids wanted = {model.shared};
+    model.drawInto(wanted, expected, model.a);
+    model.drawInto(wanted, expected, model.b);
+    nbChanged.insert(wanted.size());
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), wanted);
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Rejected);
+  }
+  EXPECT_EQ(nbChanged, (std::set<std::size_t>{1, 2, 3}));
+}
+
+TEST(MoveKMirror, LooksForLinksInTheDirectionOfThePlaces) {
+  NegatedPlaces model;
+  Dag& dag = *model.dag;
+  MoveKMirror move(2, 8, 0, *model.structure);
+  int nbBuilt = 0;
+  for (const RandomState seed : someSeeds(60)) {
+    RandomState expected = seed;
+    if (!drawsRunOfTwo(expected)) continue;
+    (void)rand(expected, 2);  // where the search starts in the first item, and in the second
+    (void)rand(expected, 2);
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), (Ids{model.a[0], model.b[0], model.a[1], model.b[1]}));
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_TRUE(move.evaluate());
+    EXPECT_EQ(dag.propagation.tentativeNbViolated, 0);
+    move.conclude(Outcome::Rejected);
+    ++nbBuilt;
+  }
+  EXPECT_GT(nbBuilt, 0);
 }
 
 TEST(MoveKMirror, StartsOnlyWhereMostOperandsCanRiseAtBothEnds) {

@@ -135,5 +135,33 @@ TEST(MoveKPath, EndsWithOutcomeInfeasibleWhereTheWalkEnds) {
   EXPECT_EQ(move.nbInfeasibles, 10U);
 }
 
+TEST(MoveKPath, EndsAtADecisionThatHasChanged) {
+  // The walk takes x[0] from the first sum and puts x[1] in its place; the last sum must fall, and holds only x[0]
+  // at 1.
+  SearchGraph model;
+  const Ids x = model.booleans(3);
+  const NodeId first = model.limitedSum({x[0], x[2]}, 2);
+  model.tiedSum({x[0], x[1]}, 1);
+  const NodeId last = model.limitedSum({x[0], x[1]}, 2);
+  Dag& dag = model.start();
+  commitValues(dag, {{x[0], 1}});
+  ASSERT_EQ(model.structures.sums[0], first);
+  ASSERT_EQ(model.structures.sums[1], last);
+  MoveKPath move(3, 6, 0, *model.structure);
+  int nbBuilt = 0;
+  for (const RandomState seed : someSeeds(60)) {
+    RandomState expected = seed;
+    const bool isFirst = rand(expected, 2) == 0;
+    if (!coin(expected) || !isFirst) continue;
+    model.state() = seed;
+    EXPECT_TRUE(move.apply()) << "something changed, which is enough";
+    EXPECT_EQ(touched(dag), (Ids{x[0], x[1]}));
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Rejected);
+    ++nbBuilt;
+  }
+  EXPECT_GT(nbBuilt, 0);
+}
+
 }  // namespace
 }  // namespace quvex

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "support/searchgraph.h"
 
 namespace quvex {
@@ -125,22 +127,95 @@ TEST(MoveKRoll, FailsWhereADecisionLiesInOneSumOnly) {
 }
 
 TEST(MoveKRoll, PassesOverALinkThatHasChanged) {
-  // Items on one place each, where both items share both places: the link of the last pass is found by the first
-  // operand at 0, whatever changed.
-  AssignmentGraph model(3);
-  Dag& dag = *model.dag;
+  // Both items and their one place hold `shared`, the only operand at 0 that links them: the first pass raises it, and
+  // the last pass finds it once more.
+  SearchGraph model;
+  const Ids x = model.booleans(7);
+  const NodeId shared = x[2];
+  const Ids held = {x[0], x[1]};
+  const NodeId a = model.tiedSum({held[0], shared, x[3], x[4]}, 1);
+  const NodeId b = model.tiedSum({held[1], shared, x[5], x[6]}, 1);
+  const NodeId place = model.limitedSum({held[0], held[1], shared}, 2);
+  Dag& dag = model.start();
+  commitValues(dag, {{held[0], 1}, {held[1], 1}});
+  ASSERT_EQ(model.structures.sums, (Ids{place, a, b}));
   MoveKRoll move(2, 8, 0, *model.structure);
-  for (const RandomState seed : someSeeds(200)) {
+  int nbBuilt = 0;
+  for (const RandomState seed : someSeeds(40)) {
+    RandomState expected = seed;
+    const std::uint32_t first = rand(expected, 2);
+    const bool isForward = coin(expected);
+    const bool isRun = isForward == (first == 0);  // two items, so there is only one way to go
     model.state() = seed;
-    const bool built = move.apply();
-    std::vector<NodeId> ids = touchedSorted(dag);
-    EXPECT_TRUE(std::ranges::adjacent_find(ids) == ids.end());
-    if (built) {
-      EXPECT_FALSE(ids.empty());
+    EXPECT_EQ(move.apply(), isRun) << "a changed link is no dead end";
+    EXPECT_EQ(model.state(), expected) << "nothing else to choose from";
+    if (isRun) {
+      EXPECT_EQ(touched(dag), (Ids{held[first], shared, held[1 - first]}));
+      EXPECT_EQ(dag.tentativeValue[shared], 1) << "not set back";
+      ++nbBuilt;
+    } else {
+      EXPECT_TRUE(touched(dag).empty());
     }
     move.conclude(Outcome::Rejected);
-    EXPECT_TRUE(isWholeGraphInit(dag));
   }
+  EXPECT_GT(nbBuilt, 0);
+  EXPECT_LT(nbBuilt, 40);
+}
+
+TEST(MoveKRoll, TakesAnOperandThatHasChangedForTakenAway) {
+  // Both sums hold the same decision, which each pass takes away; the next sum is then the other one itself, of which
+  // any operand is a link.
+  SharedOne model;
+  Dag& dag = *model.dag;
+  MoveKRoll move(2, 8, 0, *model.structure);
+  std::set<std::size_t> nbChanged;
+  for (const RandomState seed : someSeeds(100)) {
+    RandomState expected = seed;
+    const std::uint32_t start = rand(expected, 2);
+    const bool isForward = coin(expected);
+    Ids wanted;
+    const bool isRun = isForward == (start == 0);
+    if (isRun) {
+      wanted = {model.shared};
+      for (const NodeId sum : start == 0 ? Ids{model.b, model.a} : Ids{model.a, model.b}) {
+        (void)rand(expected, 2);  // where the search for another sum of the decision begins
+        model.drawInto(wanted, expected, sum);
+      }
+      nbChanged.insert(wanted.size());
+    }
+    model.state() = seed;
+    EXPECT_EQ(move.apply(), isRun);
+    EXPECT_EQ(touched(dag), wanted);
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Rejected);
+  }
+  EXPECT_EQ(nbChanged, (std::set<std::size_t>{1, 2, 3}));
+}
+
+TEST(MoveKRoll, LooksForALinkInTheDirectionOfThePlace) {
+  NegatedPlaces model;
+  Dag& dag = *model.dag;
+  MoveKRoll move(2, 8, 0, *model.structure);
+  int nbBuilt = 0;
+  for (const RandomState seed : someSeeds(60)) {
+    RandomState expected = seed;
+    const std::uint32_t start = rand(expected, 2);
+    const bool isForward = coin(expected);
+    if (isForward != (start == 0)) continue;
+    // Each place has two operands that can lower it, from one of which the search starts.
+    (void)rand(expected, 2);
+    (void)rand(expected, 2);
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), start == 0 ? (Ids{model.a[0], model.b[1], model.b[0], model.a[1]})
+                                       : (Ids{model.b[0], model.a[1], model.a[0], model.b[1]}));
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_TRUE(move.evaluate());
+    EXPECT_EQ(dag.propagation.tentativeNbViolated, 0);
+    move.conclude(Outcome::Rejected);
+    ++nbBuilt;
+  }
+  EXPECT_GT(nbBuilt, 0);
 }
 
 }  // namespace

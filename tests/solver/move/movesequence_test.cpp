@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <set>
+
 #include "solver/kernel/heuristicdescent.h"
 #include "support/failure.h"
 #include "support/searchgraph.h"
@@ -37,8 +40,10 @@ class TwoDecisions : public SearchGraph {
   Ids x = booleans(2);
   std::unique_ptr<HeuristicDescent> heuristic;
 
-  TwoDecisions() {
+  /// With a second objective that wants the opposite of the first one: it decides nothing, but always has room.
+  explicit TwoDecisions(bool hasOpposite = false) {
     maximise(x[0]);
+    if (hasOpposite) minimise(x[0]);
     heuristic = std::make_unique<HeuristicDescent>(start());
   }
   void set(t_value first, t_value second) { commitValues(*dag, {{x[0], first}, {x[1], second}}); }
@@ -48,8 +53,10 @@ class TwoDecisions : public SearchGraph {
 /// A sequence of two steps on them, followed by hand.
 struct FollowedSequence {
   std::vector<t_value> v;
+  bool hasOpposite = false;
   std::vector<bool> touchedBits = {false, false};
   unsigned nbApplied = 0;
+  bool isFirstBuilt = false;
 
   bool run(RandomState& state) {
     const t_value start = v[0];
@@ -61,14 +68,15 @@ struct FollowedSequence {
       flips = {drawn, 1 - drawn};
     }
     for (const std::size_t i : flips) flip(i);
-    if (!flips.empty()) {
+    isFirstBuilt = !flips.empty();
+    if (isFirstBuilt) {
       ++nbApplied;
       if (v[0] > start) return true;
     }
 
     (void)rand(state, 16);  // both next moves do the same here
     (void)rand(state, 100);
-    const std::size_t i = v[0] == 0 ? 0 : rand(state, 2);
+    const std::size_t i = v[0] == 0 || hasOpposite ? 0 : rand(state, 2);
     const bool isWorse = i == 0 && v[0] == 1;
     if (!touchedBits[i] && !isWorse) {
       ++nbApplied;
@@ -146,9 +154,10 @@ TEST(MoveSequence, FollowsItsDraws) {
   int nbBuilt = 0;
   int nbOneStep = 0;
   int nbUndone = 0;
+  int nbSecondUndone = 0;
   for (const RandomState seed : someSeeds(300)) {
     model.set(seed >> 31U, (seed >> 30U) & 1U);
-    FollowedSequence followed{model.values()};
+    FollowedSequence followed{.v = model.values()};
     RandomState expected = seed;
     const bool built = followed.run(expected);
     const std::vector<t_value> before = model.values();
@@ -163,20 +172,105 @@ TEST(MoveSequence, FollowsItsDraws) {
       move.conclude(Outcome::Accepted);
       EXPECT_EQ(model.values(), followed.v);
       ++nbBuilt;
-      if (followed.nbApplied == 1) ++nbOneStep;
+      if (followed.nbApplied == 1 && followed.isFirstBuilt) ++nbOneStep;
     } else {
       move.conclude(Outcome::Infeasible);
       EXPECT_EQ(model.values(), before);
-      if (followed.nbApplied == 1) ++nbUndone;
+      if (followed.nbApplied == 1) ++(followed.isFirstBuilt ? nbUndone : nbSecondUndone);
     }
     EXPECT_TRUE(isWholeGraphInit(*model.dag));
   }
   EXPECT_GT(nbBuilt, 0);
   EXPECT_GT(nbOneStep, 0) << "a first step that is better than the start ends the sequence";
   EXPECT_GT(nbUndone, 0) << "a single step that is no better is undone";
+  EXPECT_GT(nbSecondUndone, 0) << "so is one behind a first step that can't be built";
   EXPECT_EQ(move.nbAttempted, 300U);
   EXPECT_EQ(move.nbAccepted, static_cast<std::uint32_t>(nbBuilt));
   EXPECT_EQ(move.nbImprovements, 0U);
+}
+
+TEST(MoveSequence, ComparesObjectivesInTheirOrder) {
+  TwoDecisions model(true);
+  MoveSequence move(2, 0, 0, *model.heuristic, *model.structure, *model.dag);
+  int nbBuilt = 0;
+  for (const RandomState seed : someSeeds(300)) {
+    model.set(seed >> 31U, (seed >> 30U) & 1U);
+    FollowedSequence followed{.v = model.values(), .hasOpposite = true};
+    RandomState expected = seed;
+    const bool built = followed.run(expected);
+    model.state() = seed;
+    ASSERT_EQ(move.apply(), built);
+    EXPECT_EQ(model.state(), expected);
+    EXPECT_EQ(model.values(), followed.v);
+    move.conclude(built ? Outcome::Accepted : Outcome::Infeasible);
+    if (built) ++nbBuilt;
+  }
+  EXPECT_GT(nbBuilt, 0);
+  EXPECT_LT(nbBuilt, 300);
+}
+
+/// Two decisions, of which the second must be 1 and is wanted at 0: constraints weigh more than the objective.
+class WantedViolation : public SearchGraph {
+ public:
+  Ids x = booleans(2);
+  std::unique_ptr<HeuristicDescent> heuristic;
+
+  WantedViolation() {
+    constraint(x[1]);
+    minimise(x[1]);
+    heuristic = std::make_unique<HeuristicDescent>(start());
+  }
+};
+
+TEST(MoveSequence, WeighsConstraintsBeforeObjectives) {
+  WantedViolation model;
+  Dag& dag = *model.dag;
+  MoveSequence move(2, 0, 0, *model.heuristic, *model.structure, dag);
+  std::set<std::size_t> nbStepsOfRepairs;
+  int nbRefused = 0;
+  for (const RandomState seed : someSeeds(300)) {
+    dag.propagation.deactivateAllConstraints();
+    const bool isFeasible = seed >> 31U != 0;
+    commitValues(dag, {{model.x[0], 0}, {model.x[1], isFeasible ? 1 : 0}});
+    if (isFeasible) dag.propagation.activateAllConstraints();
+
+    // The first moves are those of two decisions; the second step always targets the second decision.
+    RandomState expected = seed;
+    const std::uint32_t firstMove = rand(expected, 39);
+    Ids first;
+    if (firstMove >= 4 && firstMove < 20) first = {model.x[rand(expected, 2)]};
+    if (firstMove >= 20 && firstMove < 36) {
+      const std::uint32_t drawn = rand(expected, 2);
+      first = {model.x[drawn], model.x[1 - drawn]};
+    }
+    std::vector<Ids> steps;
+    if (!first.empty()) steps.push_back(first);
+    const bool isFlipped = std::ranges::count(first, model.x[1]) == 1;
+    bool isBetter = isFlipped && !isFeasible;
+    if (!isBetter) {
+      expected = stepped(expected, 2);  // the next move and its percentage
+      if (!isFlipped && !isFeasible) {
+        steps.push_back({model.x[1]});
+        isBetter = true;
+      } else if (!isFlipped) {
+        ++nbRefused;  // better by the objective, worse by the constraint
+      }
+    }
+    model.state() = seed;
+    bool isBuilt = false;
+    {
+      CommitRecorder commits(dag);
+      isBuilt = move.apply();
+      EXPECT_EQ(commits.steps, steps);
+    }
+    EXPECT_EQ(isBuilt, isBetter || steps.size() >= 2);
+    EXPECT_EQ(model.state(), expected);
+    if (isBetter) nbStepsOfRepairs.insert(steps.size());
+    move.conclude(isBetter ? Outcome::Improved : Outcome::Infeasible);
+    EXPECT_EQ(dag.propagation.allConstraintsActive(), isFeasible);
+  }
+  EXPECT_EQ(nbStepsOfRepairs, (std::set<std::size_t>{1, 2}));
+  EXPECT_GT(nbRefused, 0);
 }
 
 TEST(MoveSequence, IsNotBuiltWithoutDecisions) {
@@ -229,7 +323,7 @@ TEST(MoveSequence, PassesThroughViolatedConstraintsAndActivatesThemAgain) {
       EXPECT_EQ(model.propagation().committedNbViolated, 0);
     } else {
       if (model.propagation().committedNbViolated > 0) sawInfeasible = true;
-      move.conclude(Outcome::Infeasible);
+      move.conclude(seed % 2 == 0 ? Outcome::Infeasible : Outcome::Rejected);
       EXPECT_EQ(model.values(), before);
     }
     EXPECT_TRUE(model.propagation().allConstraintsActive());
@@ -256,6 +350,33 @@ TEST(MoveSequence, FailsToKeepAViolatedEndOfAFeasibleStart) {
     return;
   }
   FAIL() << "no sequence ended with a violated constraint";
+}
+
+TEST(MoveSequence, IsInfeasibleInASearchWhenItEndsWithAViolatedConstraint) {
+  TiedPairs model;
+  HeuristicDescent& heuristic = *model.heuristic;
+  heuristic.addMove(std::make_unique<MoveSequence>(2, 0, 0, heuristic, *model.structure, *model.dag));
+  std::uint32_t nbViolatedEnds = 0;
+  for (const RandomState seed : someSeeds(300)) {
+    const std::vector<t_value> before = model.values();
+    const std::uint32_t nbInfeasibles = heuristic.getMove(0).nbInfeasibles;
+    {
+      CommitRecorder commits(*model.dag);
+      model.state() = seed;
+      heuristic.seed = seed;
+      heuristic.setIterationLimit(1);
+      EXPECT_EQ(failureOf([&] { heuristic.run(); }), "no failure");
+      // Two committed steps that change an odd number of decisions break the tie; the third commit takes them back.
+      if (commits.steps.size() == 3 && (commits.steps[0].size() + commits.steps[1].size()) % 2 == 1) {
+        ++nbViolatedEnds;
+        EXPECT_EQ(heuristic.getMove(0).nbInfeasibles, nbInfeasibles + 1);
+        EXPECT_EQ(model.values(), before);
+      }
+    }
+    EXPECT_EQ(model.propagation().committedNbViolated, 0);
+    EXPECT_TRUE(model.propagation().allConstraintsActive());
+  }
+  EXPECT_GT(nbViolatedEnds, 0U);
 }
 
 TEST(MoveSequence, LeavesConstraintsInactiveWhenItStartedInfeasible) {
@@ -289,7 +410,12 @@ TEST(MoveSequence, StopsAtHardConstraintsUnlessItRelaxesThem) {
     EXPECT_EQ(model.propagation().committedNbViolated, 0);
     move.conclude(Outcome::Rejected);
   }
-  for (const auto& first : move.getFirstMoves()) nbBroken += first->nbInfeasibles;
+  for (const auto& first : move.getFirstMoves()) {
+    nbBroken += first->nbInfeasibles;
+    if (first->name == "1-SimpleFlip") {
+      EXPECT_EQ(first->nbInfeasibles, first->nbAttempted) << "a step that breaks is infeasible, not rejected";
+    }
+  }
   EXPECT_GT(nbBroken, 0U);
   EXPECT_TRUE(isWholeGraphInit(*model.dag));
 }

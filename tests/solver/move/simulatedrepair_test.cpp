@@ -191,6 +191,45 @@ TEST(SimulatedRepair, UndoesFlipsWhileThereAreTooManyAndTooManyViolations) {
   }
 }
 
+TEST(SimulatedRepair, UndoesUntilFlipsOrViolationsAreFewEnough) {
+  // One violated constraint at the start, which nothing repairs, and two that the flips broke; the third flip is
+  // harmless. With the slack of 2 one violation too many is there: undoing a flip that broke something is enough.
+  bool endsByViolations = false;
+  bool endsByFlips = false;
+  for (const RandomState seed : someSeeds(20)) {
+    TreeGraph graph;
+    const Ids x = graph.booleans(3);
+    graph.require(NodeType::Geq, {graph.constant(0), graph.constant(1)});
+    for (const NodeId id : {x[0], x[1]}) graph.require(NodeType::Eq, {id, graph.constant(0)});
+    graph.require(NodeType::Leq, {x[2], graph.constant(1)});
+    graph.grow();
+    ASSERT_EQ(graph.violated().size(), 1U);
+    for (const NodeId id : x) graph.simulate(id);
+    ASSERT_EQ(graph.violated().size(), 3U);
+
+    RandomState expected = seed;
+    Ids kept = x;
+    std::size_t nbViolated = 3;
+    while (kept.size() >= 2 && nbViolated >= 3) {
+      const std::size_t undone = rand(expected, static_cast<std::uint32_t>(kept.size()));
+      if (kept[undone] != x[2]) --nbViolated;
+      kept[undone] = kept.back();
+      kept.pop_back();
+    }
+    (kept.size() == 2 ? endsByViolations : endsByFlips) = true;
+    (void)rand(expected, static_cast<std::uint32_t>(nbViolated));  // the round of the one repair, which is hopeless
+
+    SimulatedRepair repair(0, 2, 2, *graph.structure);
+    graph.state() = seed;
+    EXPECT_FALSE(repair.run(1, neverTransfer));
+    EXPECT_EQ(graph.flipped(), kept);
+    EXPECT_EQ(graph.violated().size(), nbViolated);
+    EXPECT_EQ(graph.state(), expected);
+  }
+  EXPECT_TRUE(endsByViolations);
+  EXPECT_TRUE(endsByFlips);
+}
+
 TEST(SimulatedRepair, KeepsFlipsBelowTheSlack) {
   Zeros graph(3);
   graph.simulate(graph.x[0]);

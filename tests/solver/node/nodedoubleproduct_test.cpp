@@ -25,7 +25,26 @@ double evalAfterHiddenChange(double before, double after) {
 
 TEST(NodeDoubleProduct, MovesByTheRatioOfTheChanges) { EXPECT_EQ(evalAfterHiddenChange(2, 3), 30); }
 
-TEST(NodeDoubleProduct, AnOperandThatGoesToZeroRecomputes) { EXPECT_EQ(evalAfterHiddenChange(2, 0), 0); }
+TEST(NodeDoubleProduct, AnOperandThatGoesToZeroRecomputes) {
+  EXPECT_EQ(evalAfterHiddenChange(2, 0), 0);
+  // A product beyond all doubles has no ratio that leads back: infinity times zero.
+  AggregateStage product(NodeType::DoubleProduct, "dd");
+  product.set(0, 1e200, 0, kInfinity).set(1, 1e200, 0, kInfinity).refresh();
+  ASSERT_EQ(product.real(), kInfinity);
+  EXPECT_EQ(product.move(0, 0).evalReal(), 0);
+  product.commit();
+  EXPECT_TRUE(product.isInit());
+}
+
+TEST(NodeDoubleProduct, ChangesWhoseProductGoesToZeroRecompute) {
+  // The changed operands alone are too small for a double, but not together with the one between them.
+  AggregateStage product(NodeType::DoubleProduct, "ddd");
+  product.set(0, 1, 0, 9).set(1, 1e300, 0, kInfinity).set(2, 2, 0, 9).refresh();
+  EXPECT_DOUBLE_EQ(product.move(0, 1e-200).move(2, 1e-200).evalReal(), 1e-100);
+  product.commit();
+  EXPECT_TRUE(product.isInit());
+  EXPECT_DOUBLE_EQ(product.commitReal(0, 1), 1e100) << "and from there on as well";
+}
 
 TEST(NodeDoubleProduct, AnOperandThatLeavesZeroRecomputes) {
   EXPECT_EQ(evalAfterHiddenChange(0, 2), 40);

@@ -17,6 +17,20 @@ TEST(NodeDoubleScalarProduct, StartsFromItsFactor) {
   EXPECT_TRUE(product.isInit());
 }
 
+TEST(NodeDoubleScalarProduct, ChangesWhoseProductGoesToZeroRecomputeFromItsFactor) {
+  AggregateStage product(NodeType::DoubleScalarProduct, "ddd", doubleWords({-4}));
+  product.set(0, 1, 0, 9).set(1, 1e300, 0, kInfinity).set(2, 2, 0, 9).refresh();
+  EXPECT_DOUBLE_EQ(product.move(0, 1e-200).move(2, 1e-200).evalReal(), -4e-100);
+  product.commit();
+  EXPECT_TRUE(product.isInit());
+
+  AggregateStage overflown(NodeType::DoubleScalarProduct, "dd", doubleWords({-4}));
+  overflown.set(0, 1e200, 0, kInfinity).set(1, 1e200, 0, kInfinity).refresh();
+  ASSERT_EQ(overflown.real(), -kInfinity);
+  EXPECT_EQ(overflown.commitReal(1, 0), 0);
+  EXPECT_TRUE(overflown.isInit());
+}
+
 TEST(NodeDoubleScalarProduct, BoundsAreExchangedUnlessTheFactorIsPositive) {
   AggregateStage negative(NodeType::DoubleScalarProduct, "d", doubleWords({-2}));
   negative.set(0, 1, 1, 3);

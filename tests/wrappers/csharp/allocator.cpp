@@ -5,33 +5,45 @@
 
 namespace {
 
-enum class Plan { Succeed, FailOnce, FailAlways };
+enum class Plan { Succeed, FailOnce, FailWhere, FailAlways };
 
 std::atomic<std::int64_t> liveBlocks{0};
+std::atomic<std::uint64_t> endedThreads{0};
 thread_local Plan plan = Plan::Succeed;
 thread_local std::uint64_t successesLeft = 0;
 thread_local allocator::Fault plannedFault = allocator::Fault::OutOfMemory;
+thread_local bool (*chooses)(std::size_t size) = nullptr;
 thread_local bool failed = false;
 
-[[nodiscard]] bool failsNow() {
+/// Lives from the first allocation of a thread to its end.
+struct ThreadWatch {
+  ~ThreadWatch() {
+    ++endedThreads;
+    endedThreads.notify_all();
+  }
+};
+
+[[nodiscard]] bool failsNow(std::size_t size) {
   if (plan == Plan::Succeed) return false;
   if (plan == Plan::FailOnce && successesLeft > 0) {
     --successesLeft;
     return false;
   }
-  if (plan == Plan::FailOnce) plan = Plan::Succeed;
+  if (plan == Plan::FailWhere && !chooses(size)) return false;
+  if (plan != Plan::FailAlways) plan = Plan::Succeed;
   failed = true;
   return true;
 }
 
 [[nodiscard]] void* countedBlock(std::size_t size) {
+  [[maybe_unused]] static thread_local const ThreadWatch watch;
   void* block = std::malloc(size == 0 ? 1 : size);
   if (block != nullptr) ++liveBlocks;
   return block;
 }
 
 [[nodiscard]] void* allocate(std::size_t size) {
-  if (failsNow()) {
+  if (failsNow(size)) {
     if (plannedFault == allocator::Fault::Other) throw 42;
     throw std::bad_alloc();
   }
@@ -42,7 +54,7 @@ thread_local bool failed = false;
 
 /// What cannot throw can only lack memory.
 [[nodiscard]] void* allocateOrNull(std::size_t size) noexcept {
-  const bool fails = plannedFault == allocator::Fault::OutOfMemory && failsNow();
+  const bool fails = plannedFault == allocator::Fault::OutOfMemory && failsNow(size);
   return fails ? nullptr : countedBlock(size);
 }
 
@@ -58,9 +70,20 @@ namespace allocator {
 
 std::int64_t nbLiveBlocks() { return liveBlocks; }
 
+std::uint64_t nbEndedThreads() { return endedThreads; }
+
+void waitForEndOfThread(std::uint64_t nbEnded) { endedThreads.wait(nbEnded); }
+
 void failOnce(std::uint64_t nbSuccesses, Fault fault) {
   plan = Plan::FailOnce;
   successesLeft = nbSuccesses;
+  plannedFault = fault;
+  failed = false;
+}
+
+void failWhere(bool (*isChosen)(std::size_t size), Fault fault) {
+  plan = Plan::FailWhere;
+  chooses = isChosen;
   plannedFault = fault;
   failed = false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
@@ -10,6 +11,11 @@ namespace allocator {
 /// Blocks that are allocated and not freed, of all threads.
 [[nodiscard]] std::int64_t nbLiveBlocks();
 
+/// Threads that have allocated anything and have ended.
+[[nodiscard]] std::uint64_t nbEndedThreads();
+/// Returns when there are more than `nbEnded` of them.
+void waitForEndOfThread(std::uint64_t nbEnded);
+
 /// What a failing allocation throws.
 enum class Fault {
   OutOfMemory,  ///< std::bad_alloc
@@ -18,6 +24,9 @@ enum class Fault {
 
 /// The allocation after the next `nbSuccesses` ones fails, and the ones behind it succeed again.
 void failOnce(std::uint64_t nbSuccesses, Fault fault);
+/// The next allocation of a size that `isChosen` chooses fails. It is asked at every allocation until then, and must
+/// not allocate itself.
+void failWhere(bool (*isChosen)(std::size_t size), Fault fault);
 /// All allocations fail, until `succeed`.
 void failAlways();
 /// Ends every plan. True when an allocation has failed since the plan was made.
