@@ -27,6 +27,8 @@ target_compile_options(quvex_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion
   # A constructor's parameter may have the name of the field that it fills; clang allows just that under -Wshadow.
   $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>
+  # As with GCC, where -Wconversion leaves the signs of indices alone.
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>
   # A run is a function of its seed on every machine: no fused multiply-add behind our back.
   -ffp-contract=off
   # Failures name their source relative to the project, such as "src/api/qvmodel.cpp".

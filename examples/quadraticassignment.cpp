@@ -38,7 +38,7 @@ class QuadraticAssignment {
     }
     std::int64_t total = 0;
     for (int i = 0; i < kSize; ++i) {
-      for (int j = 0; j < kSize; ++j) total += flow[i][j] * distance[site[i]][site[j]];
+      for (int j = 0; j < kSize; ++j) total += std::int64_t{flow[i][j]} * distance[site[i]][site[j]];
     }
     return total == objective->getIntValue() ? "" : "the travel is " + std::to_string(total);
   }

@@ -16,7 +16,7 @@ class GzipIstream {
  public:
   static constexpr const char* kName = "quvex::GzipIstream";
   /// Plain files go through zlib as well.
-  static constexpr bool compressed = true;
+  static constexpr bool kCompressed = true;
 
   /// Opens the file. Raises KernelException "Cannot open file <fileName>".
   explicit GzipIstream(const std::string& path);

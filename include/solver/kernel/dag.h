@@ -61,6 +61,12 @@ class Dag {
   [[nodiscard]] double committedDouble(NodeId id) const { return fixed.asDouble(id, nodeValue[id]); }
   [[nodiscard]] double tentativeDouble(NodeId id) const { return fixed.asDouble(id, tentativeValue[id]); }
 
+  /// Asks for what the evaluation of a node will read: in large models it lies in no cache.
+  void prefetchNode(NodeId id) const {
+    __builtin_prefetch(nodeValue.data() + id);
+    __builtin_prefetch(tentativeValue.data() + id, 1);
+    fixed.prefetchParents(id);
+  }
   /// Sets a decision for the current move to the opposite of its tentative value.
   void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - tentativeValue[decision]); }
 

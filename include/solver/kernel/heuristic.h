@@ -91,8 +91,12 @@ class Heuristic {
   std::vector<HeuristicCallback*> callbacks;
   std::vector<t_value> objectiveBounds;
 
-  [[nodiscard]] bool mayContinue() const;
-  [[nodiscard]] bool boundsReached() const;
+  bool atBounds = false;  ///< the answer of `computeBoundsReached` after so many commits
+  std::uint64_t atBoundsCommit = 0;
+
+  [[nodiscard]] bool mayContinue();
+  [[nodiscard]] bool boundsReached();
+  [[nodiscard]] bool computeBoundsReached() const;
   void promoteWhenFeasible();
 };
 

@@ -13,7 +13,7 @@ namespace quvex {
 class NodeList {
  public:
   void reserve(std::uint32_t capacity) { cells.resize(capacity); }
-  void push_back(NodeId id) { cells[nbEntries++] = id; }
+  void push(NodeId id) { cells[nbEntries++] = id; }
   void clear() { nbEntries = 0; }
 
   [[nodiscard]] std::uint32_t size() const { return nbEntries; }

@@ -56,6 +56,7 @@ class Propagation {
   std::int64_t committedNbViolated = 0;
   std::int64_t tentativeViolation = 0;  ///< sum of `violation` over inactive constraints
   std::int64_t committedViolation = 0;
+  std::uint64_t nbCommits = 0;         ///< moves committed so far
   Level doneLevel = 0;                 ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
   Level optimizedLevel = 0;            ///< last stage that the search cares about
   NodeList touchedDecisions;           ///< in the order of setting

@@ -44,7 +44,9 @@ class DynamicConstraintNodeInner : public DynamicConstraintNode {
   /// Up to three attempts, each with a choice of its own; true at the first success.
   template <class Attempt>
   static bool tryRepeatedly(Attempt attempt) {
-    return attempt() || attempt() || attempt();
+    bool succeeded = false;
+    for (int i = 0; i < 3 && !succeeded; ++i) succeeded = attempt();
+    return succeeded;
   }
 };
 

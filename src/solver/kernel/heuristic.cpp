@@ -88,6 +88,8 @@ void Heuristic::run() {
   iterations = 0;
   bestTime = 0;
   bestIteration = 0;
+  atBounds = computeBoundsReached();
+  atBoundsCommit = dag.propagation.nbCommits;
   for (HeuristicCallback* callback : callbacks) callback->onStart();
   while (mayContinue()) {
     iterate();
@@ -99,13 +101,22 @@ void Heuristic::run() {
 
 std::int64_t Heuristic::elapsedSeconds() const { return std::time(nullptr) - startTime; }
 
-bool Heuristic::mayContinue() const {
+bool Heuristic::mayContinue() {
   return !stopRequested && iterations < iterationLimit && static_cast<std::uint32_t>(elapsedSeconds()) < timeLimit &&
          !boundsReached() && !pool.empty();
 }
 
+/// Asked at every iteration, computed after commits.
+bool Heuristic::boundsReached() {
+  if (atBoundsCommit != dag.propagation.nbCommits) {
+    atBounds = computeBoundsReached();
+    atBoundsCommit = dag.propagation.nbCommits;
+  }
+  return atBounds;
+}
+
 /// Whether no objective of this phase can still come nearer to its bound, the user's or the computed one.
-bool Heuristic::boundsReached() const {
+bool Heuristic::computeBoundsReached() const {
   if (!dag.propagation.allConstraintsActive()) return false;
   const DagFixedFields& fixed = dag.fixed;
   for (std::uint32_t i = 0; i <= optimizedObjective; ++i) {

@@ -69,7 +69,7 @@ void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (!dag.markDirty(id)) return;
   dag.fixed.prefetchParents(id);
   dag.tentativeValue[id] = value;
-  touchedDecisions.push_back(id);
+  touchedDecisions.push(id);
   if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
 }
 
@@ -82,13 +82,14 @@ inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Lev
   for (std::uint32_t i = run.start(from); i < end; ++i) {
     const auto [parent, childPos, slot] = links[i];
     if (dag.markDirty(parent)) {
+      dag.prefetchNode(parent);
       rankQueues[slot].push(parent);
       highest = std::max(highest, slot);
     }
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
   highestSlot = highest;
-  if (end < run.end(optimizedLevel)) nextDeferredNodes.push_back(id);
+  if (end < run.end(optimizedLevel)) nextDeferredNodes.push(id);
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
@@ -176,6 +177,7 @@ void Propagation::commitAll(Dag& dag) {
   }
   commitDecisions(dag);
   endMove();
+  ++nbCommits;
   committedNbViolated = tentativeNbViolated;
   committedViolation = tentativeViolation;
 }
