@@ -15,8 +15,7 @@ namespace quvex {
 class GzipIstream {
  public:
   static constexpr const char* kName = "quvex::GzipIstream";
-  /// Plain files go through zlib as well.
-  static constexpr bool kCompressed = true;
+  const bool compressed = true;  ///< plain files go through zlib as well
 
   /// Opens the file. Raises KernelException "Cannot open file <fileName>".
   explicit GzipIstream(const std::string& path);

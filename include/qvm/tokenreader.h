@@ -12,7 +12,8 @@
 namespace quvex {
 
 /// What both encodings share on the reading side: the one-token look-ahead and all of its tests.
-/// While `pending` is set, `token` is the next one and `text`, `integer` or `real` holds what it carries.
+/// While `pending` is set, `token` is the next one and `text`, `integer` or `real` holds what it carries; `text` stays
+/// valid until the next token is read.
 ///
 /// An encoding provides `next`, which reads one token, and `checkType`, which knows how to tell where the file stands.
 class TokenReader : public QVMReader {
@@ -66,7 +67,8 @@ class TokenReader : public QVMReader {
   Token token = Token::EndOfFile;
   std::int64_t integer = 0;
   double real = 0.0;
-  std::string text;
+  std::string_view text;
+  std::string spelled;  ///< where a text lies that the file spells out
 
  private:
   Token peek() {

@@ -34,7 +34,9 @@ void BinaryReader::next() {
       return;
     case Token::Property:
     case Token::String:
-      return readString(text);
+      readString(spelled);
+      text = spelled;
+      return;
     case Token::CachedProperty:
     case Token::CachedString:
       return readCachedString();

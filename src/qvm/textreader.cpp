@@ -146,10 +146,11 @@ void TextReader::readNanOrNil() {
 }
 
 void TextReader::readStringOrProperty() {
-  text.clear();
+  spelled.clear();
   for (int byte = stream.get(); byte != '"'; byte = stream.get()) {
-    text += byte == '\\' ? extractEscapedChar() : static_cast<char>(byte);
+    spelled += byte == '\\' ? extractEscapedChar() : static_cast<char>(byte);
   }
+  text = spelled;
   skipSpace();
   const std::optional<int> byte = stream.tryGet();
   if (byte) stream.unget(*byte);
@@ -190,23 +191,23 @@ void TextReader::readDigits(bool isNegative) {
     stream.unget(first);
     return readReal("inf", isNegative ? -kInfinity : kInfinity);
   }
-  text.clear();
-  if (isNegative) text += '-';
-  text += static_cast<char>(first);
+  spelled.clear();
+  if (isNegative) spelled += '-';
+  spelled += static_cast<char>(first);
   std::optional<int> byte = stream.tryGet();
   while (byte && isNumberByte(*byte)) {
-    text += static_cast<char>(*byte);
+    spelled += static_cast<char>(*byte);
     byte = stream.tryGet();
   }
   if (byte) stream.unget(*byte);
   if (convertDigits()) return;
-  raise<KernelException>(here<TextReader>(), "Cannot convert '", text, "' to a number, line ", line + 1);
+  raise<KernelException>(here<TextReader>(), "Cannot convert '", spelled, "' to a number, line ", line + 1);
 }
 
 bool TextReader::convertDigits() {
-  const bool isReal = text.find_first_of(".e") != std::string::npos;
+  const bool isReal = spelled.find_first_of(".e") != std::string::npos;
   token = isReal ? Token::Double : Token::Integer64;
-  return isReal ? convert(text, real) : convert(text, integer);
+  return isReal ? convert(spelled, real) : convert(spelled, integer);
 }
 
 }  // namespace quvex

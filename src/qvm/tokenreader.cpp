@@ -22,7 +22,7 @@ void TokenReader::checkMagic(const Place& place, std::string_view magic) {
 
 std::string TokenReader::nextProperty() {
   consume(isProperty(), "property");
-  return text;
+  return std::string(text);
 }
 
 void TokenReader::nextProperty(const std::string& expected) {
@@ -34,7 +34,7 @@ void TokenReader::nextProperty(const std::string& expected) {
 
 std::string TokenReader::nextString() {
   consume(isString(), "string");
-  return text;
+  return std::string(text);
 }
 
 double TokenReader::nextDouble() {

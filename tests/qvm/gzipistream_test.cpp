@@ -53,6 +53,40 @@ TEST(GzipIstream, FillsABufferAsFarAsTheFileGoes) {
   EXPECT_EQ(std::string(buffer.data(), buffer.size()), "ab??");
 }
 
+TEST(GzipIstream, ReadsAcrossItsBlocksAlikeFromPlainAndCompressedFiles) {
+  std::string content;
+  for (int i = 0; i < 400000; ++i) content += static_cast<char>(i * i % 251);
+  for (const bool isCompressed : {false, true}) {
+    const TempFile file;
+    {
+      GzipOstream stream(file.name(), isCompressed);
+      stream.write(content);
+    }
+    GzipIstream stream(file.name());
+    std::string found;
+    std::array<char, 7> field{};
+    while (found.size() + field.size() <= content.size()) {
+      stream.unget(stream.get());
+      stream.read(field.data(), field.size());
+      found.append(field.data(), field.size());
+    }
+    while (const std::optional<int> byte = stream.tryGet()) found += static_cast<char>(*byte);
+    EXPECT_TRUE(found == content);
+    EXPECT_TRUE(stream.isEof());
+  }
+}
+
+TEST(GzipIstream, GivesTheLastByteAgainBehindTheEnd) {
+  const TempFile file("ab", "");
+  GzipIstream stream(file.name());
+  while (stream.tryGet()) continue;
+  stream.unget('b');
+  EXPECT_FALSE(stream.isEof());
+  EXPECT_EQ(stream.tryGet(), 'b');
+  EXPECT_FALSE(stream.tryGet().has_value());
+  EXPECT_TRUE(stream.isEof());
+}
+
 TEST(GzipIstream, RefusesAFileThatDoesNotExist) {
   EXPECT_EQ(explanationOf([] { GzipIstream("/no/such/file"); }), "Cannot open file /no/such/file");
 }
