@@ -77,7 +77,7 @@ template <class Read>
 template <class Reader>
 std::string readWhole(const std::uint8_t* data, std::size_t size) {
   const MemoryFile file(data, size);
-  const std::string failure = failureOf([&] {
+  std::string failure = failureOf([&] {
     Reader reader(file.name());
     while (reader.hasNext()) readOneToken(reader);
   });

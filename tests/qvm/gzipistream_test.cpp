@@ -55,7 +55,7 @@ TEST(GzipIstream, FillsABufferAsFarAsTheFileGoes) {
 
 TEST(GzipIstream, ReadsAcrossItsBlocksAlikeFromPlainAndCompressedFiles) {
   std::string content;
-  for (int i = 0; i < 400000; ++i) content += static_cast<char>(i * i % 251);
+  for (std::uint32_t i = 0; i < 400000; ++i) content += static_cast<char>(i * i % 251);
   for (const bool isCompressed : {false, true}) {
     const TempFile file;
     {

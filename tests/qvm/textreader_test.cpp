@@ -303,7 +303,7 @@ TEST(TextReader, TellsWhichKindWasExpected) {
   for (const auto& [kind, take] : kinds) {
     const TempFile file("<QVM01>\r\n\n}", "");
     TextReader reader(file.name());
-    EXPECT_EQ(explanationOf([&] { take(reader); }),
+    EXPECT_EQ(explanationOf([&reader, &next = take] { next(reader); }),
               std::string("Unexpected token. Token expected : '") + kind + "', line 3");
     reader.nextEndMap();
   }

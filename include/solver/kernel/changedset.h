@@ -58,7 +58,9 @@ class ChangedSet<SubsetBits> : public ListedChanges<ChangedSet<SubsetBits>, Subs
   }
   void clear() {
     // Mostly a single word, for which a call of the library's fill costs more than the loop.
-    for (std::uint32_t i = firstWord; i <= lastWord && i < nbWords; ++i) words[i] = 0;
+    for (std::uint32_t i = firstWord; i <= lastWord && i < nbWords; ++i) {
+      words[i] = 0;  // NOLINT(clang-analyzer-cplusplus.NewDelete): without words there is no turn
+    }
     count = 0;
     firstWord = nbWords;
     lastWord = 0;

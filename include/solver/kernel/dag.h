@@ -54,6 +54,8 @@ class Dag {
     return true;
   }
   void clearDirty(NodeId id) { dirtyBits[id / 64] &= ~(std::uint64_t{1} << (id % 64)); }
+  /// Clears its neighbours' bits as well: for the end of a move, where all go.
+  void clearDirtyWord(NodeId id) { dirtyBits[id / 64] = 0; }
 
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
 
@@ -61,8 +63,9 @@ class Dag {
   [[nodiscard]] double committedDouble(NodeId id) const { return fixed.asDouble(id, nodeValue[id]); }
   [[nodiscard]] double tentativeDouble(NodeId id) const { return fixed.asDouble(id, tentativeValue[id]); }
 
-  /// Asks for what the evaluation of a node will read: in large models it lies in no cache.
+  /// Asks for what the evaluation of a node will read, where it can't be expected to lie in a near cache.
   void prefetchNode(NodeId id) const {
+    if (fixed.nbNodes < kNodesInNearCaches) return;
     __builtin_prefetch(nodeValue.data() + id);
     __builtin_prefetch(tentativeValue.data() + id, 1);
     fixed.prefetchParents(id);
@@ -71,6 +74,8 @@ class Dag {
   void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - tentativeValue[decision]); }
 
  private:
+  static constexpr std::uint32_t kNodesInNearCaches = 30000;  ///< at some hundred bytes each, all arrays together
+
   std::vector<std::uint64_t> dirtyBits;  ///< set from queueing until commit or rollback
   NodePool pool;
 

@@ -116,7 +116,7 @@ class Propagation {
 
   [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const;
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
-  [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
+  [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id, bool allActive);
   [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, const RankQueue& queue);
   void evaluateDecisions(Dag& dag);
   void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);

@@ -93,19 +93,18 @@ inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Lev
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
-inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
-  if (allConstraintsActive() || activeConstraints.contains(dag.fixed.posInConstraints[id])) {
-    return dag.tentativeValue[id] != 0;
-  }
+inline bool Propagation::countConstraint(const Dag& dag, NodeId id, bool allActive) {
+  if (allActive || activeConstraints.contains(dag.fixed.posInConstraints[id])) return dag.tentativeValue[id] != 0;
   tentativeViolation = wrapAdd(tentativeViolation, dag.nodes[id]->violationDelta(dag, id));
   tentativeNbViolated += dag.nodeValue[id] - dag.tentativeValue[id];
   return true;
 }
 
 inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
+  const bool allActive = allConstraintsActive();
   for (const NodeId id : queue.list()) {
     dag.nodes[id]->eval(dag, *this, id);
-    if (!countConstraint(dag, id)) return false;
+    if (!countConstraint(dag, id, allActive)) return false;
     if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
@@ -199,13 +198,13 @@ void Propagation::commitDecisions(Dag& dag) {
 
 void Propagation::rollbackAll(Dag& dag) {
   for (const NodeId id : touchedDecisions) {
-    dag.clearDirty(id);
+    dag.clearDirtyWord(id);
     dag.tentativeValue[id] = dag.nodeValue[id];
   }
   for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
     RankQueue& queue = rankQueues[slot];
     for (const NodeId id : queue.list()) {
-      dag.clearDirty(id);
+      dag.clearDirtyWord(id);
       dag.nodes[id]->rollback(dag, id);
     }
     queue.clear();
@@ -226,7 +225,7 @@ void Propagation::endMove() {
 
 void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
-  dag.clearDirty(id);
+  dag.clearDirtyWord(id);
   dag.nodes[id]->commit(dag, id);
 }
 
