@@ -187,7 +187,7 @@ void findFilterStart(int argc, char** argv) {
     const std::string argument = argv[i];
     if (argument.starts_with(option)) filterStart = argument.substr(option.size());
   }
-  if (filterStart.find_first_of("|([\\?*.-^") != std::string::npos) filterStart = {};
+  if (filterStart.starts_with('-') || filterStart.find_first_of("|([\\?*.^") != std::string::npos) filterStart = {};
 }
 
 /// Whether a model has to be built: the large ones take longer than most benchmarks.
