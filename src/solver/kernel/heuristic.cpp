@@ -106,8 +106,9 @@ bool Heuristic::mayContinue() {
          !boundsReached() && !pool.empty();
 }
 
-/// Asked at every iteration, computed after commits.
+/// Asked at every iteration, computed after commits. Constraints may turn active without one.
 bool Heuristic::boundsReached() {
+  if (!dag.propagation.allConstraintsActive()) return false;
   if (atBoundsCommit != dag.propagation.nbCommits) {
     atBounds = computeBoundsReached();
     atBoundsCommit = dag.propagation.nbCommits;
@@ -117,7 +118,6 @@ bool Heuristic::boundsReached() {
 
 /// Whether no objective of this phase can still come nearer to its bound, the user's or the computed one.
 bool Heuristic::computeBoundsReached() const {
-  if (!dag.propagation.allConstraintsActive()) return false;
   const DagFixedFields& fixed = dag.fixed;
   for (std::uint32_t i = 0; i <= optimizedObjective; ++i) {
     const t_value value = dag.nodeValue[fixed.objectives[i]];

@@ -202,6 +202,22 @@ TEST(Heuristic, EndsByItselfAtTheComputedBound) {
   EXPECT_EQ(dag.nodeValue[x], 1);
 }
 
+TEST(Heuristic, EndsAtItsBoundOnceARejectedMoveHasActivatedTheConstraints) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.constraint(graph.add(NodeType::Or, {x, graph.constant(1)}));
+  graph.minimise(x);
+  Dag& dag = graph.build();
+  ASSERT_FALSE(dag.propagation.allConstraintsActive());
+  RandomState state = 1;
+  HeuristicDescent heuristic(dag);
+  heuristic.addMove(std::make_unique<FlipMove>(dag, state, std::vector<std::vector<NodeId>>{{x}}));
+  heuristic.setIterationLimit(25);
+  heuristic.run();
+  EXPECT_EQ(heuristic.iterations, 1U);
+  EXPECT_EQ(dag.nodeValue[x], 0);
+}
+
 TEST(Heuristic, SearchesWithoutTheObjectivesBehindTheOptimisedOne) {
   GraphBuilder graph;
   const auto x = graph.booleans(3);
