@@ -13,6 +13,13 @@ namespace quvex {
 
 class Node;
 
+/// What the evaluation driver asks about a node before it calls it.
+struct QueueMark {
+  QueueSlot slot = 0;          ///< the queue that it belongs to
+  bool dirtyBit = false;       ///< set from queueing until commit or rollback
+  bool changesByCell = false;  ///< whether it has changed exactly when its two cells differ as words
+};
+
 /// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
 /// driver. Two `Dag`s may exchange solutions exactly when their `fixed` is the same object.
 ///
@@ -23,7 +30,8 @@ class Dag {
 
   const DagFixedFields& fixed;
   Propagation propagation;
-  std::vector<Node*> nodes;  ///< by id, owned, memory from the pool
+  std::vector<Node*> nodes;      ///< by id, owned, memory from the pool
+  std::vector<QueueMark> marks;  ///< by id
   std::vector<t_value> nodeValue;
   std::vector<t_value> tentativeValue;
   bool initialized = false;
@@ -44,18 +52,8 @@ class Dag {
   /// Size, types and objective bounds, on standard output.
   void printStats() const;
 
-  [[nodiscard]] bool isDirty(NodeId id) const { return ((dirtyBits[id / 64] >> (id % 64)) & 1U) != 0; }
-  /// Sets the bit; false if it was set already.
-  bool markDirty(NodeId id) {
-    std::uint64_t& word = dirtyBits[id / 64];
-    const std::uint64_t bit = std::uint64_t{1} << (id % 64);
-    if ((word & bit) != 0) return false;
-    word |= bit;
-    return true;
-  }
-  void clearDirty(NodeId id) { dirtyBits[id / 64] &= ~(std::uint64_t{1} << (id % 64)); }
-  /// Clears its neighbours' bits as well: for the end of a move, where all go.
-  void clearDirtyWord(NodeId id) { dirtyBits[id / 64] = 0; }
+  [[nodiscard]] bool isDirty(NodeId id) const { return marks[id].dirtyBit; }
+  void clearDirty(NodeId id) { marks[id].dirtyBit = false; }
 
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
 
@@ -65,7 +63,7 @@ class Dag {
 
   /// Asks for what the evaluation of a node will read, where it can't be expected to lie in a near cache.
   void prefetchNode(NodeId id) const {
-    if (fixed.nbNodes < kNodesInNearCaches) return;
+    if (liesInNearCaches) return;
     __builtin_prefetch(nodeValue.data() + id);
     __builtin_prefetch(tentativeValue.data() + id, 1);
     fixed.prefetchParents(id);
@@ -76,8 +74,8 @@ class Dag {
  private:
   static constexpr std::uint32_t kNodesInNearCaches = 30000;  ///< at some hundred bytes each, all arrays together
 
-  std::vector<std::uint64_t> dirtyBits;  ///< set from queueing until commit or rollback
   NodePool pool;
+  const bool liesInNearCaches;
 
   Node* createNode(NodeId id);
   void destroyNodes();

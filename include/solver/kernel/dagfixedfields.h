@@ -16,12 +16,11 @@ using QueueSlot = std::uint32_t;
 [[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
 [[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
-/// One entry of a node's parent run: the parent, the position that the node holds among its operands, and the parent's
-/// queue, which stands here because whoever tells a parent queues it. A node used twice by one parent has two entries.
+/// One entry of a node's parent run: the parent, and the position that the node holds among its operands. A node used
+/// twice by one parent has two entries.
 struct ParentLink {
   NodeId parent;
   OperandPos childPos;
-  QueueSlot slot;
 };
 
 /// Where a node's parents lie in `DagFixedFields::parents`: one row of ends, sorted by level. It begins with the end of
@@ -147,7 +146,6 @@ class DagFixedFields {
   void listDecisions();
   void computeLevels();
   void sortParentsByLevel();
-  void assignSlots();
   std::uint32_t& parentEnd(Level k, NodeId id) { return parentRuns[id * runStride + 1 + k]; }
 };
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "solver/kernel/dag.h"
 #include "solver/kernel/heuristiccallback.h"
 #include "solver/kernel/move.h"
 #include "solver/kernel/random.h"
@@ -97,7 +98,38 @@ class Heuristic {
   [[nodiscard]] bool mayContinue();
   [[nodiscard]] bool boundsReached();
   [[nodiscard]] bool computeBoundsReached() const;
-  void promoteWhenFeasible();
+  void promote();
 };
+
+// What every iteration runs through stands here, so that it becomes part of the concrete class's step.
+
+inline std::optional<Outcome> Heuristic::attemptMove() {
+  currentMove = pool[rand(choiceState, static_cast<std::uint32_t>(pool.size()))];
+  if (!currentMove->apply()) {
+    currentMove->conclude(Outcome::Infeasible);
+    return std::nullopt;
+  }
+  const Outcome outcome = verdict(currentMove->evaluateLevel(0));
+  currentMove->conclude(outcome);
+  if (dag.propagation.committedNbViolated == 0 && !dag.propagation.allConstraintsActive()) promote();
+  return outcome;
+}
+
+inline std::optional<Outcome> Heuristic::constraintVerdict(bool evaluated) const {
+  if (!evaluated) return Outcome::Infeasible;
+  if (currentMove->leavesConstraintsAlone()) return std::nullopt;
+  if (currentMove->constraintsBetter()) return Outcome::Improved;
+  const bool worse = currentMove->constraintsWorse();
+  if (currentMove->referenceNbViolated() != 0) return worse ? Outcome::Rejected : Outcome::Accepted;
+  if (worse) return Outcome::Infeasible;
+  return std::nullopt;
+}
+
+inline std::optional<Outcome> Heuristic::objectiveVerdict(std::uint32_t i) const {
+  currentMove->evaluateLevel(i + 1);
+  if (currentMove->objectiveWorse(i)) return Outcome::Rejected;
+  if (currentMove->objectiveBetter(i)) return Outcome::Improved;
+  return std::nullopt;
+}
 
 }  // namespace quvex

@@ -104,12 +104,11 @@ void shuffleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::
 /// steps (Knuth, The Art of Computer Programming, volume 2, algorithm 3.4.2P), in O(k) memory. A draw of one among one
 /// is certain and steps nothing.
 inline void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out) {
-  if (out.size() != k) out.resize(k);
-  if (k == 1) {  // by far the most frequent size: nothing is displaced
+  if (k == 1 && out.size() == 1) {  // by far the most frequent size: nothing is displaced
     out[0] = rand(state, n);
-    return;
+  } else {
+    shuffleDistinct(state, n, k, out);
   }
-  shuffleDistinct(state, n, k, out);
 }
 
 /// Proposes one decision whose change goes toward what the search wants now: the rise of a random violated constraint,

@@ -72,9 +72,12 @@ class Propagation {
   /// Allowed only before `evaluateConstraints`.
   void setTentativeValue(Dag& dag, NodeId id, t_value value);
   /// Stage 0. False if an active constraint broke: only `rollbackAll` may follow.
-  [[nodiscard]] bool evaluateConstraints(Dag& dag);
+  [[nodiscard]] bool evaluateConstraints(Dag& dag) { return doneLevel != 0 || runConstraintStage(dag); }
   /// Stages up to `stage`, after stage 0. Returns at once for a stage already done.
-  [[nodiscard]] bool evaluateUpTo(Dag& dag, Level stage);
+  [[nodiscard]] bool evaluateUpTo(Dag& dag, Level stage) {
+    if (stage >= doneLevel) runStage(dag, stage);
+    return true;
+  }
   void commitAll(Dag& dag);
   void rollbackAll(Dag& dag);
   /// Brings the levels above `optimizedLevel` up to the committed state.
@@ -109,18 +112,23 @@ class Propagation {
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
   QueueSlot highestSlot = 0;          ///< no node is queued above
   bool constraintsAmongDecisions = false;
+  bool constraintsAreBoolean = true;
   std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
   NodeList deferredNodes;               ///< changed nodes whose parents at later levels have not been told
   NodeList nextDeferredNodes;           ///< the same for the stage after the running one
   std::vector<DagListener*> listeners;
 
   [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const;
+  void enqueueParent(Dag& dag, NodeId id);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
-  [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id, bool allActive);
+  [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
+  [[nodiscard]] bool evaluateBarriers(Dag& dag, const RankQueue& queue);
   [[nodiscard]] bool evaluateConstraintQueue(Dag& dag, const RankQueue& queue);
   void evaluateDecisions(Dag& dag);
   void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);
   void initQueues(const DagFixedFields& fixed);
+  [[nodiscard]] bool runConstraintStage(Dag& dag);
+  void runStage(Dag& dag, Level stage);
   void nextStage(Level stage);
   void commitNode(Dag& dag, NodeId id);
   void commitConstraint(const Dag& dag, NodeId id);

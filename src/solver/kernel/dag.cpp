@@ -42,9 +42,10 @@ constexpr std::array<NodeMaker, kNbNodeTypes> kMakers = {{
 
 Dag::Dag(const DagFixedFields& fixedFields)
     : fixed(fixedFields),
+      marks(fixedFields.nbNodes),
       nodeValue(fixedFields.nbNodes, 0),
       tentativeValue(fixedFields.nbNodes, 0),
-      dirtyBits(fixedFields.nbNodes / 64 + 1, 0) {
+      liesInNearCaches(fixedFields.nbNodes < kNodesInNearCaches) {
   nodes.reserve(fixed.nbNodes);
   try {
     for (NodeId id = 0; id < fixed.nbNodes; ++id) nodes.push_back(createNode(id));
@@ -73,6 +74,9 @@ void Dag::init() {
     raise<KernelException>(here<Dag>(), "Different number of directions and operators in the objective.");
   }
   if (fixed.objectives.empty()) raise<KernelException>(here<Dag>(), "No objective.");
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
+    marks[id] = {fixed.slotOf(id), false, fixed.nodeDomains[id] <= Domain::Integer};
+  }
   reinitAllNodes();
   initialized = true;
   propagation.init(*this);

@@ -39,7 +39,6 @@ void DagFixedFields::init() {
   listDecisions();
   computeLevels();
   sortParentsByLevel();
-  assignSlots();
 }
 
 void DagFixedFields::countTypes() {
@@ -79,7 +78,7 @@ void DagFixedFields::buildParents() {
   parents.resize(total);
   for (NodeId id = 0; id < nbNodes; ++id) {
     if (isSource(nodeTypes[id])) continue;
-    for (OperandPos p = 0; p < nbChildren[id]; ++p) parents[next[child(id, p)]++] = {id, p, 0};
+    for (OperandPos p = 0; p < nbChildren[id]; ++p) parents[next[child(id, p)]++] = {id, p};
   }
 }
 
@@ -169,10 +168,6 @@ void DagFixedFields::sortParentsByLevel() {
       parentEnd(k, id) = start + sorted;
     }
   }
-}
-
-void DagFixedFields::assignSlots() {
-  for (ParentLink& link : parents) link.slot = slotOf(link.parent);
 }
 
 std::uint32_t DagFixedFields::getDecisionIndex(NodeId id) const {

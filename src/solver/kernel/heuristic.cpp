@@ -128,41 +128,10 @@ bool Heuristic::computeBoundsReached() const {
   return true;
 }
 
-std::optional<Outcome> Heuristic::attemptMove() {
-  currentMove = pool[rand(choiceState, static_cast<std::uint32_t>(pool.size()))];
-  if (!currentMove->apply()) {
-    currentMove->conclude(Outcome::Infeasible);
-    return std::nullopt;
-  }
-  const Outcome outcome = verdict(currentMove->evaluateLevel(0));
-  currentMove->conclude(outcome);
-  promoteWhenFeasible();
-  return outcome;
-}
-
-std::optional<Outcome> Heuristic::constraintVerdict(bool evaluated) const {
-  if (!evaluated) return Outcome::Infeasible;
-  if (currentMove->leavesConstraintsAlone()) return std::nullopt;
-  if (currentMove->constraintsBetter()) return Outcome::Improved;
-  const bool worse = currentMove->constraintsWorse();
-  if (currentMove->referenceNbViolated() != 0) return worse ? Outcome::Rejected : Outcome::Accepted;
-  if (worse) return Outcome::Infeasible;
-  return std::nullopt;
-}
-
-std::optional<Outcome> Heuristic::objectiveVerdict(std::uint32_t i) const {
-  currentMove->evaluateLevel(i + 1);
-  if (currentMove->objectiveWorse(i)) return Outcome::Rejected;
-  if (currentMove->objectiveBetter(i)) return Outcome::Improved;
-  return std::nullopt;
-}
-
 /// Once nothing is violated, every constraint turns into a barrier and the objectives come into play.
-void Heuristic::promoteWhenFeasible() {
-  Propagation& propagation = dag.propagation;
-  if (propagation.committedNbViolated != 0 || propagation.allConstraintsActive()) return;
+void Heuristic::promote() {
   dag.setOptimizedLevel(optimizedObjective + 1);
-  propagation.activateAllConstraints();
+  dag.propagation.activateAllConstraints();
 }
 
 void Heuristic::recordBest() {

@@ -20,7 +20,7 @@ constexpr QueueSlot kFirstInnerSlot = constraintSlot(1);
 
 /// `Node::hasChanged`, without the call where cells compare as they stand.
 bool hasChanged(const Dag& dag, NodeId id) {
-  if (dag.fixed.nodeDomains[id] <= Domain::Integer) return dag.nodeValue[id] != dag.tentativeValue[id];
+  if (dag.marks[id].changesByCell) return dag.nodeValue[id] != dag.tentativeValue[id];
   return dag.nodes[id]->hasChanged(dag, id);
 }
 
@@ -50,8 +50,10 @@ void Propagation::initQueues(const DagFixedFields& fixed) {
     rankQueues.emplace_back(room);
     room += capacity;
   }
-  const auto isDecisionOfRank0 = [&](NodeId id) { return fixed.nodeRanks[id] == 0; };
-  constraintsAmongDecisions = std::ranges::any_of(fixed.constraints, isDecisionOfRank0);
+  constraintsAmongDecisions =
+      std::ranges::any_of(fixed.constraints, [&](NodeId id) { return fixed.nodeRanks[id] == 0; });
+  constraintsAreBoolean =
+      std::ranges::all_of(fixed.constraints, [&](NodeId id) { return fixed.nodeDomains[id] == Domain::Boolean; });
 }
 
 void Propagation::removeListener(DagListener* listener) {
@@ -66,45 +68,59 @@ inline bool Propagation::isOrdinaryDecision(const DagFixedFields& fixed, NodeId 
 
 void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (dag.nodeValue[id] == value) return;
-  if (!dag.markDirty(id)) return;
+  if (dag.isDirty(id)) return;
+  dag.marks[id].dirtyBit = true;
   dag.fixed.prefetchParents(id);
   dag.tentativeValue[id] = value;
   touchedDecisions.push(id);
   if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
 }
 
+/// A node enters its queue once per move, however many of its operands change.
+inline void Propagation::enqueueParent(Dag& dag, NodeId id) {
+  QueueMark& mark = dag.marks[id];
+  if (mark.dirtyBit) return;
+  mark.dirtyBit = true;
+  const QueueSlot slot = mark.slot;
+  if (slot > highestSlot) highestSlot = slot;
+  dag.prefetchNode(id);
+  rankQueues[slot].push(id);
+}
+
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
   const ParentRun run = fixed.parentRun(id);
-  const std::uint32_t end = run.end(to);
-  const ParentLink* const links = fixed.parents.data();
-  QueueSlot highest = highestSlot;
-  for (std::uint32_t i = run.start(from); i < end; ++i) {
-    const auto [parent, childPos, slot] = links[i];
-    if (dag.markDirty(parent)) {
-      dag.prefetchNode(parent);
-      rankQueues[slot].push(parent);
-      highest = std::max(highest, slot);
-    }
+  if (run.end(to) < run.end(optimizedLevel)) nextDeferredNodes.push(id);
+  const ParentLink* const end = fixed.parents.data() + run.end(to);
+  for (const ParentLink* link = fixed.parents.data() + run.start(from); link != end; ++link) {
+    const auto [parent, childPos] = *link;
+    enqueueParent(dag, parent);
     dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
   }
-  highestSlot = highest;
-  if (end < run.end(optimizedLevel)) nextDeferredNodes.push(id);
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
-inline bool Propagation::countConstraint(const Dag& dag, NodeId id, bool allActive) {
-  if (allActive || activeConstraints.contains(dag.fixed.posInConstraints[id])) return dag.tentativeValue[id] != 0;
+inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
+  if (activeConstraints.contains(dag.fixed.posInConstraints[id])) return dag.tentativeValue[id] != 0;
   tentativeViolation = wrapAdd(tentativeViolation, dag.nodes[id]->violationDelta(dag, id));
   tentativeNbViolated += dag.nodeValue[id] - dag.tentativeValue[id];
   return true;
 }
 
-inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
-  const bool allActive = allConstraintsActive();
+/// While every constraint is active, each was true before the move: one that is true now has not changed.
+inline bool Propagation::evaluateBarriers(Dag& dag, const RankQueue& queue) {
   for (const NodeId id : queue.list()) {
     dag.nodes[id]->eval(dag, *this, id);
-    if (!countConstraint(dag, id, allActive)) return false;
+    if (dag.tentativeValue[id] == 0) return false;
+  }
+  return true;
+}
+
+inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
+  if (constraintsAreBoolean && allConstraintsActive()) return evaluateBarriers(dag, queue);
+  for (const NodeId id : queue.list()) {
+    dag.nodes[id]->eval(dag, *this, id);
+    if (!countConstraint(dag, id)) return false;
     if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
@@ -131,8 +147,7 @@ void Propagation::nextStage(Level stage) {
   doneLevel = stage + 1;
 }
 
-bool Propagation::evaluateConstraints(Dag& dag) {
-  if (doneLevel != 0) return true;
+bool Propagation::runConstraintStage(Dag& dag) {
   if (constraintsAmongDecisions && !evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
   evaluateDecisions(dag);
   // The upper end moves while the loop runs.
@@ -149,9 +164,9 @@ bool Propagation::evaluateConstraints(Dag& dag) {
   return true;
 }
 
-bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
+/// All stages from the last one done to this one, as one.
+void Propagation::runStage(Dag& dag, Level stage) {
   const Level done = doneLevel;
-  if (stage < done) return true;
   for (const NodeId id : deferredNodes) {
     if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
   }
@@ -160,7 +175,6 @@ bool Propagation::evaluateUpTo(Dag& dag, Level stage) {
     evaluateNodeQueue(dag, rankQueues[slot], done, stage);
   }
   nextStage(stage);
-  return true;
 }
 
 void Propagation::commitAll(Dag& dag) {
@@ -198,13 +212,13 @@ void Propagation::commitDecisions(Dag& dag) {
 
 void Propagation::rollbackAll(Dag& dag) {
   for (const NodeId id : touchedDecisions) {
-    dag.clearDirtyWord(id);
+    dag.clearDirty(id);
     dag.tentativeValue[id] = dag.nodeValue[id];
   }
   for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
     RankQueue& queue = rankQueues[slot];
     for (const NodeId id : queue.list()) {
-      dag.clearDirtyWord(id);
+      dag.clearDirty(id);
       dag.nodes[id]->rollback(dag, id);
     }
     queue.clear();
@@ -225,7 +239,7 @@ void Propagation::endMove() {
 
 void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
-  dag.clearDirtyWord(id);
+  dag.clearDirty(id);
   dag.nodes[id]->commit(dag, id);
 }
 
