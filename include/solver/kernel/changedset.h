@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "solver/kernel/changelog.h"
 #include "solver/kernel/subset.h"
 #include "solver/kernel/subsetbits.h"
 #include "solver/kernel/subsetmask.h"
@@ -16,56 +17,79 @@ namespace quvex {
 /// ascending in masks and bits, in order of arrival in permutations. Sums of doubles depend on that order to the last
 /// bit.
 template <class Set>
-class ChangedSet : public Set {
- public:
-  using Set::Set;
-};
+class ChangedSet;
 
-/// A list of them, with the questions that a mask answers from its word. Its head stays in the nearest caches, where a
-/// set of `n` operands would miss several times per change.
-template <class Set, class Position>
-class ChangedList {
+template <class T>
+class ChangedSet<SubsetMASK<T>> : public ChangeLog {
  public:
-  explicit ChangedList(std::uint32_t n) : items(std::make_unique_for_overwrite<Position[]>(n)) {}
+  static constexpr ChangeKind kKind = ChangeKind::Bit;
 
-  [[nodiscard]] std::uint32_t size() const { return count; }
-  [[nodiscard]] bool empty() const { return count == 0; }
-  [[nodiscard]] bool hasOddSize() const { return (count & 1U) != 0; }
+  explicit ChangedSet(std::uint32_t) {}
+
+  [[nodiscard]] std::uint32_t size() const { return bits::count(word); }
+  [[nodiscard]] bool empty() const { return word == 0; }
+  [[nodiscard]] bool hasOddSize() const { return bits::isOdd(static_cast<T>(word)); }
+  [[nodiscard]] bool contains(OperandPos p) const { return ((word >> p) & 1U) != 0; }
   /// Whether exactly the members of a persistent set have changed.
-  [[nodiscard]] bool isSameAs(const Set& other) const {
-    return count == other.size() &&
-           std::all_of(items.get(), items.get() + count, [&](Position p) { return other.contains(p); });
-  }
-  void add(OperandPos p, std::uint32_t) { items[count++] = static_cast<Position>(p); }
-  void clear() { count = 0; }
+  [[nodiscard]] bool isSameAs(const SubsetMASK<T>& other) const { return word == other.asWord(); }
+  void add(OperandPos p) { word |= std::uint64_t{1} << p; }
+  void clear() { word = 0; }
   template <class Visit>
   void forEach(Visit visit) const {
-    const Position* const members = items.get();
-    for (std::uint32_t k = 0, end = count; k < end; ++k) visit(OperandPos{members[k]});
+    bits::forEach(word, 0, visit);
+  }
+};
+
+/// The same questions to a list. Its head stays in the nearest caches, where a set of all operands would miss several
+/// times per change.
+template <class Set, class Position, ChangeKind kind>
+class ListedChanges : public ChangeList<Position> {
+ public:
+  static constexpr ChangeKind kKind = kind;
+
+  using ChangeList<Position>::ChangeList;
+
+  [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(this->word); }
+  [[nodiscard]] bool empty() const { return this->word == 0; }
+  [[nodiscard]] bool hasOddSize() const { return (this->word & 1U) != 0; }
+  [[nodiscard]] bool isSameAs(const Set& other) const {
+    return size() == other.size() && std::all_of(begin(), end(), [&](Position p) { return other.contains(p); });
+  }
+  void add(OperandPos p) { this->push(p); }
+  void clear() { this->word = 0; }
+  template <class Visit>
+  void forEach(Visit visit) const {
+    for (const Position *p = begin(), *last = end(); p != last; ++p) visit(OperandPos{*p});
   }
 
  protected:
-  std::unique_ptr<Position[]> items;
-  std::uint32_t count = 0;
+  [[nodiscard]] Position* begin() const { return this->items.get(); }
+  [[nodiscard]] Position* end() const { return begin() + this->word; }
 };
 
 /// A permutation is walked in order of arrival, as the list is.
-template <class T>
-class ChangedSet<Subset<T>> : public ChangedList<Subset<T>, T> {
+template <>
+class ChangedSet<Subset<unsigned short>>
+    : public ListedChanges<Subset<unsigned short>, std::uint16_t, ChangeKind::Short> {
  public:
-  using ChangedList<Subset<T>, T>::ChangedList;
+  using ListedChanges::ListedChanges;
+};
+template <>
+class ChangedSet<Subset<unsigned int>> : public ListedChanges<Subset<unsigned int>, std::uint32_t, ChangeKind::Long> {
+ public:
+  using ListedChanges::ListedChanges;
 };
 
 /// Bits are walked ascending: the list is sorted where a move has changed more than one operand.
 template <>
-class ChangedSet<SubsetBits> : public ChangedList<SubsetBits, std::uint16_t> {
+class ChangedSet<SubsetBits> : public ListedChanges<SubsetBits, std::uint16_t, ChangeKind::Short> {
  public:
-  using ChangedList::ChangedList;
+  using ListedChanges::ListedChanges;
 
   template <class Visit>
   void forEach(Visit visit) const {
-    if (count > 1) std::sort(items.get(), items.get() + count);
-    ChangedList::forEach(visit);
+    if (word > 1) std::sort(begin(), end());
+    ListedChanges::forEach(visit);
   }
 };
 
@@ -74,13 +98,15 @@ class ChangedSet<SubsetBits> : public ChangedList<SubsetBits, std::uint16_t> {
 template <class Set>
 class SearchableChangedSet : public ChangedSet<Set> {
  public:
+  static constexpr ChangeKind kKind = ChangeKind::Called;
+
   explicit SearchableChangedSet(std::uint32_t n)
       : ChangedSet<Set>(n), words(std::make_unique<std::uint64_t[]>((n + 63) / 64)) {}
 
   [[nodiscard]] bool contains(OperandPos p) const { return ((words[p / 64] >> (p % 64)) & 1U) != 0; }
-  void add(OperandPos p, std::uint32_t n) {
+  void add(OperandPos p) {
     words[p / 64] |= std::uint64_t{1} << (p % 64);
-    ChangedSet<Set>::add(p, n);
+    ChangedSet<Set>::add(p);
   }
   void clear() {
     this->forEach([&](OperandPos p) { words[p / 64] = 0; });

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "solver/kernel/changelog.h"
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/nodepool.h"
 #include "solver/kernel/propagation.h"
@@ -15,9 +16,11 @@ class Node;
 
 /// What the evaluation driver asks about a node before it calls it.
 struct QueueMark {
-  QueueSlot slot = 0;          ///< the queue that it belongs to
-  bool dirtyBit = false;       ///< set from queueing until commit or rollback
-  bool changesByCell = false;  ///< whether it has changed exactly when its two cells differ as words
+  ChangeLog* changes = nullptr;              ///< what the driver writes when an operand has changed, and at a rollback
+  QueueSlot slot = 0;                        ///< the queue that it belongs to
+  bool dirtyBit = false;                     ///< set from queueing until commit or rollback
+  bool changesByCell = false;                ///< whether it has changed exactly when its two cells differ as words
+  ChangeKind changeKind = ChangeKind::None;  ///< how `changes` is written
 };
 
 /// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
@@ -63,10 +66,15 @@ class Dag {
 
   /// Asks for what the evaluation of a node will read, where it can't be expected to lie in a near cache.
   void prefetchNode(NodeId id) const {
-    if (liesInNearCaches) return;
+    if (liesInNearCaches) [[likely]]
+      return;
     __builtin_prefetch(nodeValue.data() + id);
     __builtin_prefetch(tentativeValue.data() + id, 1);
     fixed.prefetchParents(id);
+  }
+  /// The same for a decision that is set, whose cells are being written.
+  void prefetchParents(NodeId id) const {
+    if (!liesInNearCaches) fixed.prefetchParents(id);
   }
   /// Sets a decision for the current move to the opposite of its tentative value.
   void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - tentativeValue[decision]); }
@@ -75,9 +83,11 @@ class Dag {
   static constexpr std::uint32_t kNodesInNearCaches = 30000;  ///< at some hundred bytes each, all arrays together
 
   NodePool pool;
+  ChangeLog noChanges;  ///< of the nodes that keep no log: writing it does no harm
   const bool liesInNearCaches;
 
   Node* createNode(NodeId id);
+  void initMarks();
   void destroyNodes();
 };
 

@@ -88,8 +88,12 @@ class Move {
 
   void countOutcome(Outcome outcome);
 
-  /// The start of a targeted attempt: a percentage test (no draw for a rate of 0), then `pickTarget`.
-  [[nodiscard]] bool drawTarget(std::uint32_t rate, NodeId& decision);
+  /// The start of a targeted attempt: a percentage test (no draw for a rate of 0), then what `pickTarget` proposes.
+  /// None if either fails.
+  [[nodiscard]] NodeId drawTarget(std::uint32_t rate) { return rate == 0 ? kNone : drawTargetAt(rate); }
+
+ private:
+  [[nodiscard]] NodeId drawTargetAt(std::uint32_t rate);
 };
 
 /// "2-Path".
@@ -117,9 +121,5 @@ inline void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k,
 
 /// The first of the objectives below `limit` whose tentative value is not on its bound; kNone if all are.
 [[nodiscard]] std::uint32_t firstImprovableObjective(const Dag& dag, std::uint32_t limit);
-
-inline bool Move::drawTarget(std::uint32_t rate, NodeId& decision) {
-  return rate != 0 && rand(randomState, 100) < rate && pickTarget(dag, randomState, decision);
-}
 
 }  // namespace quvex

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "solver/kernel/changelog.h"
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/random.h"
 #include "solver/kernel/types.h"
@@ -72,6 +73,8 @@ class Node {
   virtual void rollback(Dag& dag, NodeId id);
   /// The operand at this position has changed in the current move.
   virtual void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id);
+  /// Where the evaluation driver may write what the two above do, apart from the cells, without calling them.
+  [[nodiscard]] virtual ChangeTarget changeTarget() { return {}; }
 
  protected:
   /// The dump that every operator begins with.

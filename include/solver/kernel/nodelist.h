@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -13,7 +14,10 @@ namespace quvex {
 class NodeList {
  public:
   void reserve(std::uint32_t capacity) { cells.resize(capacity); }
-  void push(NodeId id) { cells[nbEntries++] = id; }
+  void push(NodeId id) {
+    assert(nbEntries < cells.size());
+    cells[nbEntries++] = id;
+  }
   void clear() { nbEntries = 0; }
 
   [[nodiscard]] std::uint32_t size() const { return nbEntries; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -13,6 +14,7 @@
 namespace quvex {
 
 class Dag;
+struct QueueMark;
 
 /// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
 /// entries need no sorting among themselves, so a plain list beats a heap.
@@ -65,6 +67,10 @@ class Propagation {
   IndexedSet laggingNodes;             ///< committed, with parents above `optimizedLevel` that were not told
   std::vector<t_value> laggingValues;  ///< for each of them, what those parents last saw
 
+  Propagation() = default;
+  Propagation(const Propagation&) = delete;
+  Propagation& operator=(const Propagation&) = delete;
+
   /// Called once, when all nodes have their values.
   void init(const Dag& dag);
 
@@ -105,7 +111,7 @@ class Propagation {
   /// Rank 0 has no such list: its nodes are `touchedDecisions`.
   [[nodiscard]] std::span<const NodeId> queuedNodes(Rank r) const { return rankQueues[ordinarySlot(r)].list(); }
   [[nodiscard]] std::span<const NodeId> queuedConstraints(Rank r) const { return rankQueues[constraintSlot(r)].list(); }
-  [[nodiscard]] const NodeList& currentDeferredNodes() const { return deferredNodes; }
+  [[nodiscard]] const NodeList& currentDeferredNodes() const { return *deferredNodes; }
 
  private:
   std::vector<RankQueue> rankQueues;  ///< by slot
@@ -114,12 +120,14 @@ class Propagation {
   bool constraintsAmongDecisions = false;
   bool constraintsAreBoolean = true;
   std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
-  NodeList deferredNodes;               ///< changed nodes whose parents at later levels have not been told
-  NodeList nextDeferredNodes;           ///< the same for the stage after the running one
+  std::array<NodeList, 2> deferredLists;
+  NodeList* deferredNodes = &deferredLists[0];      ///< changed nodes whose parents at later levels have not been told
+  NodeList* nextDeferredNodes = &deferredLists[1];  ///< the same for the stage after the running one
   std::vector<DagListener*> listeners;
 
   [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const;
-  void enqueueParent(Dag& dag, NodeId id);
+  void enqueueParent(const Dag& dag, QueueMark& mark, NodeId id);
+  void noteChange(const Dag& dag, const QueueMark& mark, NodeId id, OperandPos position);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
   [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
   [[nodiscard]] bool evaluateBarriers(Dag& dag, const RankQueue& queue);
@@ -130,6 +138,7 @@ class Propagation {
   [[nodiscard]] bool runConstraintStage(Dag& dag);
   void runStage(Dag& dag, Level stage);
   void nextStage(Level stage);
+  void rollbackNode(Dag& dag, NodeId id);
   void commitNode(Dag& dag, NodeId id);
   void commitConstraint(const Dag& dag, NodeId id);
   void noteLagging(const Dag& dag, NodeId id);

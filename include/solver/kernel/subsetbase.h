@@ -82,16 +82,10 @@ namespace bits {
   return static_cast<std::uint32_t>((w * 0x0101010101010101U) >> 56U);
 }
 
-/// Whether an odd number of bits is set: halves are folded onto each other, since the parity of a sum is that of the
-/// exclusive or; 0x6996 holds the answers for the last four bits (H. S. Warren, Hacker's Delight, chapter 5).
+/// Whether an odd number of bits is set.
 template <class T>
 [[nodiscard]] constexpr bool isOdd(T word) {
-  std::uint64_t w = word;
-  if constexpr (sizeof(T) > 4) w ^= w >> 32U;
-  if constexpr (sizeof(T) > 2) w ^= w >> 16U;
-  if constexpr (sizeof(T) > 1) w ^= w >> 8U;
-  w ^= w >> 4U;
-  return ((0x6996U >> (w & 15U)) & 1U) != 0;
+  return __builtin_parityll(word) != 0;
 }
 
 /// The place of the k-th set bit (from 0), 64 if there are fewer.

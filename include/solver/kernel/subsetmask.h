@@ -40,8 +40,7 @@ class SubsetMASK : public SubsetBase<SubsetMASK<T>> {
   /// Without a branch: whether an operand ends up as a member is as good as random.
   void set(OperandPos p, std::uint32_t, bool member) { word = static_cast<T>((word & ~bit(p)) | (T{member} << p)); }
   void clear() { word = 0; }
-  [[nodiscard]] bool isSameAs(const SubsetMASK& other) const { return word == other.word; }
-  [[nodiscard]] bool hasOddSize() const { return bits::isOdd(word); }
+  [[nodiscard]] T asWord() const { return word; }
 
   [[nodiscard]] OperandPos at(std::uint32_t k, std::uint32_t n) const {
     const std::uint32_t nbMembers = size();

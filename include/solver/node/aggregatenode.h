@@ -25,9 +25,8 @@ class AggregateNode : public Inner {
     dag.tentativeValue[id] = dag.nodeValue[id];
     changedNodes.clear();
   }
-  void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) final {
-    changedNodes.add(position, fixed.nbChildren[id]);
-  }
+  void notifyChildChanged(OperandPos position, const DagFixedFields&, NodeId) final { changedNodes.add(position); }
+  [[nodiscard]] ChangeTarget changeTarget() final { return {Changes::kKind, &changedNodes}; }
 
   bool pickDecrease(const Dag& dag, RandomState& state, NodeId& decision, int& delta, NodeId id) const final {
     return pickToward(PickRequest{dag, state, decision, delta}, Direction::Down, id);

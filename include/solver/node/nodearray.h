@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "solver/kernel/changedset.h"
 #include "solver/kernel/dag.h"
 #include "solver/kernel/nodeinner.h"
 #include "solver/kernel/subsetchoice.h"
@@ -26,6 +27,7 @@ class NodeArray : public NodeInner {
   void commit(Dag& dag, NodeId id) override = 0;
   void rollback(Dag& dag, NodeId id) override = 0;
   void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) override = 0;
+  [[nodiscard]] ChangeTarget changeTarget() override = 0;
 };
 
 /// An array has changed as soon as one element has, though its own cells never do. That is what wakes the nodes above.
@@ -40,12 +42,11 @@ class NodeArrayTemplate final : public NodeArray {
   [[nodiscard]] bool hasChanged(const Dag&, NodeId) const override { return !changedNodes.empty(); }
   void commit(Dag&, NodeId) override { changedNodes.clear(); }
   void rollback(Dag&, NodeId) override { changedNodes.clear(); }
-  void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) override {
-    changedNodes.add(position, fixed.nbChildren[id]);
-  }
+  void notifyChildChanged(OperandPos position, const DagFixedFields&, NodeId) override { changedNodes.add(position); }
+  [[nodiscard]] ChangeTarget changeTarget() override { return {ChangedSet<Set>::kKind, &changedNodes}; }
 
  private:
-  Set changedNodes;  ///< elements changed in the current move
+  ChangedSet<Set> changedNodes;  ///< elements changed in the current move
 };
 
 }  // namespace quvex

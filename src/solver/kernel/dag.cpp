@@ -74,12 +74,20 @@ void Dag::init() {
     raise<KernelException>(here<Dag>(), "Different number of directions and operators in the objective.");
   }
   if (fixed.objectives.empty()) raise<KernelException>(here<Dag>(), "No objective.");
-  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    marks[id] = {fixed.slotOf(id), false, fixed.nodeDomains[id] <= Domain::Integer};
-  }
+  initMarks();
   reinitAllNodes();
   initialized = true;
   propagation.init(*this);
+}
+
+void Dag::initMarks() {
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
+    const auto [kind, log] = nodes[id]->changeTarget();
+    marks[id] = {.changes = log == nullptr ? &noChanges : log,
+                 .slot = fixed.slotOf(id),
+                 .changesByCell = fixed.nodeDomains[id] <= Domain::Integer,
+                 .changeKind = kind};
+  }
 }
 
 void Dag::reinitAllNodes() {

@@ -119,6 +119,11 @@ bool Move::objectiveWorse(std::uint32_t i) const { return isWorse(dag, i, refere
 
 bool Move::objectiveBetter(std::uint32_t i) const { return isBetter(dag, i, referenceObjective(i)); }
 
+NodeId Move::drawTargetAt(std::uint32_t rate) {
+  NodeId decision = kNone;
+  return rand(randomState, 100) < rate && pickTarget(dag, randomState, decision) ? decision : kNone;
+}
+
 std::string moveName(std::uint32_t size, std::string_view word) {
   return std::to_string(size) + "-" + std::string(word);
 }

@@ -20,7 +20,8 @@ constexpr QueueSlot kFirstInnerSlot = constraintSlot(1);
 
 /// `Node::hasChanged`, without the call where cells compare as they stand.
 bool hasChanged(const Dag& dag, NodeId id) {
-  if (dag.marks[id].changesByCell) return dag.nodeValue[id] != dag.tentativeValue[id];
+  if (dag.marks[id].changesByCell) [[likely]]
+    return dag.nodeValue[id] != dag.tentativeValue[id];
   return dag.nodes[id]->hasChanged(dag, id);
 }
 
@@ -30,8 +31,7 @@ void Propagation::init(const Dag& dag) {
   const DagFixedFields& fixed = dag.fixed;
   doneLevel = 0;
   optimizedLevel = fixed.nbObjectives();
-  deferredNodes.reserve(fixed.nbNodes);
-  nextDeferredNodes.reserve(fixed.nbNodes);
+  for (NodeList& list : deferredLists) list.reserve(fixed.nbNodes);
   initConstraints(dag);
   initQueues(fixed);
   touchedDecisions.reserve(fixed.firstOperator);
@@ -70,32 +70,47 @@ void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
   if (dag.nodeValue[id] == value) return;
   if (dag.isDirty(id)) return;
   dag.marks[id].dirtyBit = true;
-  dag.fixed.prefetchParents(id);
+  dag.prefetchParents(id);
   dag.tentativeValue[id] = value;
   touchedDecisions.push(id);
   if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
 }
 
 /// A node enters its queue once per move, however many of its operands change.
-inline void Propagation::enqueueParent(Dag& dag, NodeId id) {
-  QueueMark& mark = dag.marks[id];
+inline void Propagation::enqueueParent(const Dag& dag, QueueMark& mark, NodeId id) {
   if (mark.dirtyBit) return;
   mark.dirtyBit = true;
   const QueueSlot slot = mark.slot;
-  if (slot > highestSlot) highestSlot = slot;
+  if (slot > highestSlot) [[unlikely]]
+    highestSlot = slot;
   dag.prefetchNode(id);
   rankQueues[slot].push(id);
+}
+
+/// `Node::notifyChildChanged`, without the call where a log tells how.
+inline void Propagation::noteChange(const Dag& dag, const QueueMark& mark, NodeId id, OperandPos position) {
+  // The most frequent first: a switch would search among the five.
+  if (mark.changeKind == ChangeKind::Bit) {
+    mark.changes->word |= std::uint64_t{1} << position;
+  } else if (mark.changeKind == ChangeKind::Short) {
+    static_cast<ChangeList<std::uint16_t>*>(mark.changes)->push(position);
+  } else if (mark.changeKind == ChangeKind::Long) {
+    static_cast<ChangeList<std::uint32_t>*>(mark.changes)->push(position);
+  } else if (mark.changeKind == ChangeKind::Called) {
+    dag.nodes[id]->notifyChildChanged(position, dag.fixed, id);
+  }
 }
 
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const DagFixedFields& fixed = dag.fixed;
   const ParentRun run = fixed.parentRun(id);
-  if (run.end(to) < run.end(optimizedLevel)) nextDeferredNodes.push(id);
+  if (to < optimizedLevel && run.end(to) < run.end(optimizedLevel)) nextDeferredNodes->push(id);
   const ParentLink* const end = fixed.parents.data() + run.end(to);
   for (const ParentLink* link = fixed.parents.data() + run.start(from); link != end; ++link) {
     const auto [parent, childPos] = *link;
-    enqueueParent(dag, parent);
-    dag.nodes[parent]->notifyChildChanged(childPos, fixed, parent);
+    QueueMark& mark = dag.marks[parent];
+    enqueueParent(dag, mark, parent);
+    noteChange(dag, mark, parent, childPos);
   }
 }
 
@@ -137,13 +152,14 @@ inline void Propagation::evaluateDecisions(Dag& dag) {
 inline void Propagation::evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to) {
   for (const NodeId id : queue.takeFresh()) {
     dag.nodes[id]->eval(dag, *this, id);
-    if (hasChanged(dag, id)) propagateToParents(dag, id, from, to);
+    if (hasChanged(dag, id)) [[likely]]
+      propagateToParents(dag, id, from, to);
   }
 }
 
 void Propagation::nextStage(Level stage) {
   std::swap(deferredNodes, nextDeferredNodes);
-  nextDeferredNodes.clear();
+  nextDeferredNodes->clear();
   doneLevel = stage + 1;
 }
 
@@ -167,7 +183,7 @@ bool Propagation::runConstraintStage(Dag& dag) {
 /// All stages from the last one done to this one, as one.
 void Propagation::runStage(Dag& dag, Level stage) {
   const Level done = doneLevel;
-  for (const NodeId id : deferredNodes) {
+  for (const NodeId id : *deferredNodes) {
     if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
   }
   // Constraints are all of level 0 and finished.
@@ -210,6 +226,18 @@ void Propagation::commitDecisions(Dag& dag) {
   }
 }
 
+/// `Node::rollback`, without the call where a log tells how.
+inline void Propagation::rollbackNode(Dag& dag, NodeId id) {
+  QueueMark& mark = dag.marks[id];
+  mark.dirtyBit = false;
+  if (mark.changeKind == ChangeKind::Called) [[unlikely]] {
+    dag.nodes[id]->rollback(dag, id);
+    return;
+  }
+  dag.tentativeValue[id] = dag.nodeValue[id];
+  mark.changes->word = 0;
+}
+
 void Propagation::rollbackAll(Dag& dag) {
   for (const NodeId id : touchedDecisions) {
     dag.clearDirty(id);
@@ -218,8 +246,7 @@ void Propagation::rollbackAll(Dag& dag) {
   for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
     RankQueue& queue = rankQueues[slot];
     for (const NodeId id : queue.list()) {
-      dag.clearDirty(id);
-      dag.nodes[id]->rollback(dag, id);
+      rollbackNode(dag, id);
     }
     queue.clear();
   }
@@ -232,8 +259,8 @@ void Propagation::endMove() {
   rankQueues[constraintSlot(0)].clear();
   highestSlot = 0;
   touchedDecisions.clear();
-  deferredNodes.clear();
-  nextDeferredNodes.clear();  // a stage 0 that failed has left entries here too
+  deferredNodes->clear();
+  nextDeferredNodes->clear();  // a stage 0 that failed has left entries here too
   doneLevel = 0;
 }
 

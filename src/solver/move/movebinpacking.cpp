@@ -24,8 +24,8 @@ bool MoveBinPacking::apply() {
 /// Climbs from a target to the top of a random path of the tree, and pushes that node up. A node that is true already
 /// is pushed further, which breaks or tightens what lies under it.
 StaticIndex MoveBinPacking::targetedStart() {
-  NodeId target = kNone;
-  if (!drawTarget(targetingRate, target)) return kNone;
+  const NodeId target = drawTarget(targetingRate);
+  if (target == kNone) return kNone;
   DynamicConstraintNode* top = structure.dynamicBooleanOf(target);
   if (top == nullptr) return kNone;
   for (;;) {

@@ -73,8 +73,7 @@ bool MoveChain::rare(NodeId sum) const {
 
 ChainEnd MoveChain::drawSlackStart() {
   firstOperand = kNone;
-  NodeId target = kNone;
-  if (drawTarget(targetingRate, target)) {
+  if (const NodeId target = drawTarget(targetingRate); target != kNone) {
     const Membership membership = structure.structures.membershipOf(target);
     if (membership.nbSlack > 0) {
       const std::uint32_t j = rand(randomState, membership.nbSlack);
@@ -89,8 +88,7 @@ ChainEnd MoveChain::drawSlackStart() {
 
 ChainEnd MoveChain::drawCycleStart() {
   firstOperand = kNone;
-  NodeId target = kNone;
-  if (drawTarget(targetingRate, target)) {
+  if (const NodeId target = drawTarget(targetingRate); target != kNone) {
     const Membership membership = structure.structures.membershipOf(target);
     if (membership.size() > 0) {
       const std::uint32_t nbEquality = membership.nbEquality();

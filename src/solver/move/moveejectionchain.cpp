@@ -22,8 +22,8 @@ bool MoveEjectionChain::apply() {
 
 /// Flips the target, and something under random parents of it.
 void MoveEjectionChain::targetedStart() {
-  NodeId target = kNone;
-  if (!drawTarget(targetingRate, target)) return;
+  const NodeId target = drawTarget(targetingRate);
+  if (target == kNone) return;
   DynamicConstraintNodeBool* decision = structure.dynamicBooleanOf(target);
   if (decision == nullptr) return;
   decision->flip(randomState, true);

@@ -17,8 +17,8 @@ bool MoveKFlip::apply() {
   const auto n = static_cast<std::uint32_t>(structures.freeDecisions.size());
   if (k > n) return false;
 
-  NodeId target = kNone;
-  const bool hasTarget = drawTarget(targetingRate, target) && structures.membershipOf(target).isFree();
+  const NodeId target = drawTarget(targetingRate);
+  const bool hasTarget = target != kNone && structures.membershipOf(target).isFree();
   resizeSample(hasTarget, n);
   if (hasTarget) dag.flip(target);
   // The target may be drawn once more: its second change is ignored, and the attempt changes one decision fewer.

@@ -25,8 +25,8 @@ bool MoveKSwap::apply() {
 }
 
 NodeId MoveKSwap::drawSwappableTarget() {
-  NodeId target = kNone;
-  if (!drawTarget(targetingRate, target)) return kNone;
+  const NodeId target = drawTarget(targetingRate);
+  if (target == kNone) return kNone;
   return structure.structures.membershipOf(target).isSwappable() ? target : kNone;
 }
 

@@ -13,10 +13,9 @@ bool MoveSimpleKFlip::apply() {
   const std::uint32_t n = dag.fixed.nbBooleans;
   if (k > n) return false;
 
-  NodeId target = kNone;
-  const bool hasTarget = drawTarget(targetingRate, target);
-  resizeSample(hasTarget, n);
-  if (hasTarget) dag.flip(target);
+  const NodeId target = drawTarget(targetingRate);
+  resizeSample(target != kNone, n);
+  if (target != kNone) dag.flip(target);
   for (const std::uint32_t position : sample) dag.flip(dag.fixed.decisionList[position]);
   return true;
 }

@@ -334,16 +334,14 @@ TEST(PickTarget, CostsNoDrawAtRate0AndOneAtRate100) {
   Dag& dag = model.build();
   RandomState state = 9;
   ProbeMove move(1, dag, state);
-  NodeId decision = kNone;
-  EXPECT_FALSE(move.drawTarget(0, decision));
+  EXPECT_EQ(move.drawTarget(0), kNone);
   EXPECT_EQ(state, 9U);
-  EXPECT_FALSE(move.drawTarget(100, decision)) << "nothing has room";
+  EXPECT_EQ(move.drawTarget(100), kNone) << "nothing has room";
   RandomState expected = 9;
   randomStep(expected);
   EXPECT_EQ(state, expected) << "the percentage is drawn all the same";
   commitValues(dag, {{model.x[1], 1}});
-  EXPECT_TRUE(move.drawTarget(100, decision));
-  EXPECT_EQ(decision, model.x[1]);
+  EXPECT_EQ(move.drawTarget(100), model.x[1]);
 }
 
 TEST(PickTarget, PassesThePercentageTestBelowTheRateOnly) {
@@ -357,8 +355,7 @@ TEST(PickTarget, PassesThePercentageTestBelowTheRateOnly) {
     state = seed;
     RandomState drawn = seed;
     const bool passes = rand(drawn, 100) < 50;
-    NodeId decision = kNone;
-    EXPECT_EQ(move.drawTarget(50, decision), passes);
+    EXPECT_EQ(move.drawTarget(50), passes ? model.x[1] : kNone);
   }
 }
 

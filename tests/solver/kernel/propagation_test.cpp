@@ -20,6 +20,7 @@ std::size_t nbQueued(const Dag& dag) {
 bool isClean(const Dag& dag) {
   for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
     if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
+    if (dag.marks[id].changes->word != 0) return false;
   }
   const Propagation& propagation = dag.propagation;
   return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
@@ -66,6 +67,81 @@ TEST(Propagation, RollsBackWholeAfterABrokenConstraint) {
   dag.flip(y);
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
   dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, NotesChangesInLogsOfEveryKind) {
+  struct Case {
+    std::uint32_t nbOperands;
+    NodeType type;
+    ChangeKind kind;
+  };
+  for (const auto& [nbOperands, type, kind] : {Case{3, NodeType::Xor, ChangeKind::Bit},
+                                               {64, NodeType::Max, ChangeKind::Bit},
+                                               {100, NodeType::Sum, ChangeKind::Short},
+                                               {100, NodeType::Max, ChangeKind::Called},
+                                               {2000, NodeType::Sum, ChangeKind::Short},
+                                               {70000, NodeType::Sum, ChangeKind::Long},
+                                               {70000, NodeType::Max, ChangeKind::Called}}) {
+    GraphBuilder graph;
+    const std::vector<NodeId> x = graph.booleans(nbOperands);
+    const NodeId top = graph.add(type, x);
+    const NodeId above = graph.add(NodeType::Abs, {top});
+    graph.minimise(above);
+    Dag& dag = graph.build();
+    EXPECT_EQ(dag.marks[top].changeKind, kind) << nbOperands;
+    EXPECT_EQ(dag.marks[above].changeKind, ChangeKind::None);
+    for (const bool kept : {false, true, false, true}) {
+      const t_value before = dag.nodeValue[above];
+      for (const std::uint32_t p : {nbOperands - 1, 1U, 0U}) dag.flip(x[p]);
+      ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+      EXPECT_NE(dag.marks[top].changes->word, 0U) << nbOperands;
+      EXPECT_NE(dag.tentativeValue[above], before) << nbOperands;
+      if (kept) {
+        dag.propagation.commitAll(dag);
+      } else {
+        dag.propagation.rollbackAll(dag);
+        EXPECT_EQ(dag.nodeValue[above], before);
+      }
+      EXPECT_TRUE(isClean(dag)) << nbOperands;
+      EXPECT_TRUE(isWholeGraphInit(dag)) << nbOperands;
+    }
+  }
+}
+
+TEST(Propagation, RollsBackChangesThatAnExtremumLooksUp) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  std::vector<t_value> coefficients(100, 1);
+  coefficients[0] = 5;
+  coefficients[1] = 3;
+  const NodeId highest = graph.add(NodeType::ScalarMax, x, coefficients);
+  graph.maximise(highest);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[0], 1}, {x[1], 1}});
+  dag.flip(x[1]);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  dag.propagation.rollbackAll(dag);
+  dag.flip(x[0]);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.tentativeValue[highest], 3) << "the second operand is not among the changed ones any more";
+  dag.propagation.rollbackAll(dag);
+}
+
+TEST(Propagation, TellsTheParentsOfAnActiveConstraintThatStaysTrueWithAnotherValue) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId count = graph.add(NodeType::Sum, {x, graph.constant(1)});
+  const NodeId doubled = graph.add(NodeType::Sum, {count, count});
+  graph.constraint(count);
+  graph.maximise(doubled);
+  Dag& dag = graph.build();
+  dag.propagation.activateAllConstraints();
+  dag.flip(x);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.tentativeValue[doubled], 4);
+  dag.propagation.commitAll(dag);
   EXPECT_TRUE(isClean(dag));
   EXPECT_TRUE(isWholeGraphInit(dag));
 }
