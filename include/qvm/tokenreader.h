@@ -20,6 +20,8 @@ class TokenReader : public QVMReader {
  public:
   static constexpr const char* kName = "quvex::TokenReader";
 
+  void skipValue() final;
+
   [[nodiscard]] bool isOpenMap() final { return peek() == Token::OpenMap; }
   [[nodiscard]] bool isEndMap() final { return peek() == Token::EndMap; }
   [[nodiscard]] bool isValue() final { return !isOpenMap() && !isEndMap() && !isProperty(); }

@@ -20,6 +20,27 @@ void TokenReader::checkMagic(const Place& place, std::string_view magic) {
   raise<KernelException>(place, "The provided file is not recognized (wrong magic number)");
 }
 
+/// What the general way does in several questions per token: properties and values within a map are passed over alike.
+void TokenReader::skipValue() {
+  if (!isOpenMap()) return nextValue();
+  std::uint64_t depth = 0;
+  do {
+    switch (peek()) {
+      case Token::OpenMap:
+        ++depth;
+        pending = false;
+        break;
+      case Token::EndMap:
+      case Token::EndOfFile:  // which fails: the end of a map is missing
+        --depth;
+        nextEndMap();
+        break;
+      default:
+        pending = false;
+    }
+  } while (depth != 0);
+}
+
 std::string TokenReader::nextProperty() {
   consume(isProperty(), "property");
   return std::string(text);

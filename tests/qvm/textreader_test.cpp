@@ -326,6 +326,19 @@ TEST(TextReader, SkipsValuesWithAllTheirContents) {
   EXPECT_EQ(reader->nextInt(), 4);
 }
 
+TEST(TextReader, SkipsByTokensWhatTheGeneralWaySkipsByQuestions) {
+  for (const char* body : {"7 8", "{} 8", "{1 2.5 \"a\" true \"p\"={-inf \"q\"={false}} 3} 8", "\"s\" 8",
+                           "{1 {2} \"p\"", "} 8", "{1 2", "{nil} 8", "", "\"p\"=1 8"}) {
+    TextDocument byTokens(body);
+    TextDocument byQuestions(body);
+    EXPECT_EQ(explanationOf([&] { byTokens->skipValue(); }),
+              explanationOf([&] { byQuestions->QVMReader::skipValue(); }))
+        << body;
+    const auto rest = [](TextDocument& reader) { return explanationOf([&] { EXPECT_EQ(reader->nextInt(), 8); }); };
+    EXPECT_EQ(rest(byTokens), rest(byQuestions)) << body;
+  }
+}
+
 TEST(TextReader, CannotSkipAnEndOfMapOrAMapWithoutEnd) {
   EXPECT_EQ(explanationOf([] { TextDocument("}")->skipValue(); }),
             "Unexpected token. Token expected : 'value', line 2");
