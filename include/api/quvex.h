@@ -12,6 +12,7 @@
 
 namespace quvex {
 
+class Dag;
 class DagBuilder;
 class GreedySolution;
 class HeuristicPool;
@@ -119,6 +120,7 @@ class Quvex {
   void resetStatistics();
   void clearSearch();
   void createSearch();
+  void startFrom(const Solution& start, GreedySolution& greedy, Dag& dag) const;
   void createThreadSearch(std::size_t thread, const Solution& start, GreedySolution& greedy, std::uint32_t& seedState);
   void createDefaultPhase();
   void reportInconsistent() const;

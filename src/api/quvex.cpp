@@ -225,15 +225,24 @@ void Quvex::createSearch() {
   }
 }
 
+void Quvex::startFrom(const Solution& start, GreedySolution& greedy, Dag& dag) const {
+  try {
+    start.restore(dag);
+    const bool greedyEnabled = param->getAdvancedParam("greedyEnabled", 1) != 0;
+    if (greedyEnabled && !dag.propagation.allConstraintsActive() && !greedy.computeSolution(dag)) {
+      dag.propagation.deactivateAllConstraints();
+    }
+  } catch (...) {
+    // The next solve begins on this dag again, and must not find it in the middle of a move.
+    dag.propagation.rollbackAll(dag);
+    throw;
+  }
+}
+
 void Quvex::createThreadSearch(std::size_t thread, const Solution& start, GreedySolution& greedy,
                                RandomState& seedState) {
   Dag& dag = thread == 0 ? dagBuilder().getDag() : dagBuilder().getExtraDag(thread - 1);
-  start.restore(dag);
-  const bool greedyEnabled = param->getAdvancedParam("greedyEnabled", 1) != 0;
-  if (greedyEnabled && !dag.propagation.allConstraintsActive() && !greedy.computeSolution(dag)) {
-    dag.propagation.deactivateAllConstraints();
-  }
-
+  startFrom(start, greedy, dag);
   const std::uint32_t seed = scaleTo(randomStep(seedState), std::numeric_limits<std::int32_t>::max());
   heuristicPools.push_back(std::make_unique<HeuristicPool>(this, dag, seed));
   parallelizer->addHeuristic(heuristicPools.back()->getHeuristic());

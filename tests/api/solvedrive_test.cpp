@@ -105,6 +105,27 @@ TEST(SolveDrive, ThreadsDifferByTheirSeedsAlone) {
   }
 }
 
+TEST(SolveDrive, StartsAnewAfterAnEvaluationThatFailedBeforeTheSearch) {
+  Quvex quvex;
+  QVModel& model = *quvex.getModel();
+  const auto x = createDecisions(model, 100);
+  QVExpression* sum = model.createExpression(QVOperator::Sum);
+  for (QVExpression* decision : x) sum->addOperand(decision);
+  // The greedy pass has to raise the sum, at the end past the last element.
+  QVExpression* array = model.createExpression(QVOperator::Array);
+  for (int i = 0; i < 100; ++i) array->addOperand(model.createConstant(std::int64_t{i == 0 ? -46 : -50}));
+  QVExpression* at = model.createExpression(QVOperator::At, array, sum);
+  model.addConstraint(model.createExpression(QVOperator::Leq, at, model.createConstant(std::int64_t{-48})));
+  model.addConstraint(model.createExpression(QVOperator::Geq, sum, model.createConstant(std::int64_t{100})));
+  model.addObjective(at, QVObjectiveDirection::Minimize);
+  closeQuietly(quvex, 1000, 1);
+  const std::string first = explanationOf([&] { quvex.solve(); });
+  EXPECT_NE(first, "");
+  EXPECT_EQ(quvex.getState(), QVState::Stopped);
+  EXPECT_EQ(explanationOf([&] { quvex.solve(); }), first) << "and not about an index that has grown";
+  EXPECT_EQ(explanationOf([&] { quvex.solve(); }), first);
+}
+
 TEST(SolveDrive, CreatesAPhaseWithoutLimitsWhenThereIsNone) {
   Quvex quvex;
   QVModel& model = *quvex.getModel();

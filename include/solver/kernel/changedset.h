@@ -42,10 +42,10 @@ class ChangedSet<SubsetMASK<T>> : public ChangeLog {
 
 /// The same questions to a list. Its head stays in the nearest caches, where a set of all operands would miss several
 /// times per change.
-template <class Set, class Position, ChangeKind kind>
+template <class Set, class Position, ChangeKind Kind>
 class ListedChanges : public ChangeList<Position> {
  public:
-  static constexpr ChangeKind kKind = kind;
+  static constexpr ChangeKind kKind = Kind;
 
   using ChangeList<Position>::ChangeList;
 
@@ -80,7 +80,8 @@ class ChangedSet<Subset<unsigned int>> : public ListedChanges<Subset<unsigned in
   using ListedChanges::ListedChanges;
 };
 
-/// Bits are walked ascending: the list is sorted where a move has changed more than one operand.
+/// Bits are walked ascending: the list is sorted where a move has changed more than one operand. Between walks the
+/// order of its entries means nothing.
 template <>
 class ChangedSet<SubsetBits> : public ListedChanges<SubsetBits, std::uint16_t, ChangeKind::Short> {
  public:
@@ -109,7 +110,7 @@ class SearchableChangedSet : public ChangedSet<Set> {
     ChangedSet<Set>::add(p);
   }
   void clear() {
-    this->forEach([&](OperandPos p) { words[p / 64] = 0; });
+    std::for_each(this->begin(), this->end(), [&](OperandPos p) { words[p / 64] = 0; });
     ChangedSet<Set>::clear();
   }
 

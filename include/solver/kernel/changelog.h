@@ -16,13 +16,14 @@ enum class ChangeKind : std::uint8_t {
   Called,  ///< by `Node::notifyChildChanged`, and taken back by `Node::rollback`
 };
 
-/// What a move writes in the set of changed operands of a node. It stands apart from the sets, and from the nodes, so
-/// that the evaluation driver notes and empties changes without a virtual call: that is most of what a move does.
+/// The part of a set of changed operands that a move writes; a `ChangeKind` tells what the word means. It is the base
+/// of all those sets and has nothing virtual, so that the evaluation driver notes and empties changes through a
+/// pointer: that is most of what a move does.
 struct ChangeLog {
   std::uint64_t word = 0;  ///< 0 between moves
 };
 
-/// Positions in order of arrival. There is room for every operand, since each is told once.
+/// Positions in order of arrival. There is room for every operand once: telling one twice in a move would overflow.
 template <class Position>
 struct ChangeList : ChangeLog {
   std::unique_ptr<Position[]> items;
@@ -32,7 +33,7 @@ struct ChangeList : ChangeLog {
   void push(OperandPos p) { items[word++] = static_cast<Position>(p); }
 };
 
-/// The log of a node, and how it is written.
+/// The log of a node, which lies in the node, and how it is written.
 struct ChangeTarget {
   ChangeKind kind = ChangeKind::None;
   ChangeLog* log = nullptr;

@@ -14,9 +14,9 @@ namespace quvex {
 
 class Node;
 
-/// What the evaluation driver asks about a node before it calls it.
+/// What the evaluation driver keeps of a node, so that it need not call it.
 struct QueueMark {
-  ChangeLog* changes = nullptr;              ///< what the driver writes when an operand has changed, and at a rollback
+  ChangeLog* changes = nullptr;              ///< where changed operands are noted, and forgotten at a rollback
   QueueSlot slot = 0;                        ///< the queue that it belongs to
   bool dirtyBit = false;                     ///< set from queueing until commit or rollback
   bool changesByCell = false;                ///< whether it has changed exactly when its two cells differ as words

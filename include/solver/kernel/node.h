@@ -73,7 +73,8 @@ class Node {
   virtual void rollback(Dag& dag, NodeId id);
   /// The operand at this position has changed in the current move.
   virtual void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id);
-  /// Where the evaluation driver may write what the two above do, apart from the cells, without calling them.
+  /// The log that `notifyChildChanged` and `rollback` write: the evaluation driver keeps its address, and writes it
+  /// without calling them.
   [[nodiscard]] virtual ChangeTarget changeTarget() { return {}; }
 
  protected:

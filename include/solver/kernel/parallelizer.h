@@ -53,8 +53,7 @@ class Parallelizer : public HeuristicCallback {
   [[nodiscard]] bool waitFor(int seconds);
   [[nodiscard]] Status status();
   /// Ends all heuristics at their next iteration boundary, and raises what a search thread has stored. May also be
-  /// called from another thread than the one that waits, but
-  /// not while that one pauses, resumes or starts.
+  /// called from another thread than the one that waits, but not while that one pauses, resumes or starts.
   void stopAndJoin();
   /// Drops every pending request and failure.
   void clearFlags();

@@ -79,7 +79,8 @@ class Propagation {
   void setTentativeValue(Dag& dag, NodeId id, t_value value);
   /// Stage 0. False if an active constraint broke: only `rollbackAll` may follow.
   [[nodiscard]] bool evaluateConstraints(Dag& dag) { return doneLevel != 0 || runConstraintStage(dag); }
-  /// Stages up to `stage`, after stage 0. Returns at once for a stage already done.
+  /// Stages up to `stage`, after stage 0. Returns at once for a stage already done. Stages beyond `optimizedLevel` are
+  /// reached one by one.
   [[nodiscard]] bool evaluateUpTo(Dag& dag, Level stage) {
     if (stage >= doneLevel) runStage(dag, stage);
     return true;
@@ -117,6 +118,7 @@ class Propagation {
   std::vector<RankQueue> rankQueues;  ///< by slot
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
   QueueSlot highestSlot = 0;          ///< no node is queued above
+  bool broken = false;                ///< stage 0 of the current move has failed
   bool constraintsAmongDecisions = false;
   bool constraintsAreBoolean = true;
   std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
@@ -136,6 +138,7 @@ class Propagation {
   void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);
   void initQueues(const DagFixedFields& fixed);
   [[nodiscard]] bool runConstraintStage(Dag& dag);
+  [[nodiscard]] bool evaluateLevel0(Dag& dag);
   void runStage(Dag& dag, Level stage);
   void nextStage(Level stage);
   void rollbackNode(Dag& dag, NodeId id);

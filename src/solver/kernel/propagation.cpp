@@ -122,11 +122,14 @@ inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
   return true;
 }
 
-/// While every constraint is active, each was true before the move: one that is true now has not changed.
+/// While every constraint is active, one that is true now was true before the move, so it has not changed. But for one
+/// over doubles that a recomputation from scratch has made false.
 inline bool Propagation::evaluateBarriers(Dag& dag, const RankQueue& queue) {
   for (const NodeId id : queue.list()) {
     dag.nodes[id]->eval(dag, *this, id);
     if (dag.tentativeValue[id] == 0) return false;
+    if (dag.nodeValue[id] == 0) [[unlikely]]
+      propagateToParents(dag, id, 0, 0);
   }
   return true;
 }
@@ -163,7 +166,16 @@ void Propagation::nextStage(Level stage) {
   doneLevel = stage + 1;
 }
 
+/// Run once per move: after a failure, a second run would tell operands twice.
 bool Propagation::runConstraintStage(Dag& dag) {
+  if (broken) return false;
+  broken = !evaluateLevel0(dag);
+  if (broken) return false;
+  nextStage(0);
+  return true;
+}
+
+bool Propagation::evaluateLevel0(Dag& dag) {
   if (constraintsAmongDecisions && !evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
   evaluateDecisions(dag);
   // The upper end moves while the loop runs.
@@ -176,7 +188,6 @@ bool Propagation::runConstraintStage(Dag& dag) {
       return false;
     }
   }
-  nextStage(0);
   return true;
 }
 
@@ -261,6 +272,7 @@ void Propagation::endMove() {
   touchedDecisions.clear();
   deferredNodes->clear();
   nextDeferredNodes->clear();  // a stage 0 that failed has left entries here too
+  broken = false;
   doneLevel = 0;
 }
 

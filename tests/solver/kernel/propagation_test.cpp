@@ -129,6 +129,89 @@ TEST(Propagation, RollsBackChangesThatAnExtremumLooksUp) {
   dag.propagation.rollbackAll(dag);
 }
 
+TEST(Propagation, TellsOperandsOnceInTheMoveBehindABrokenConstraint) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  graph.constraint(graph.add(NodeType::Not, {x[0]}));
+  graph.minimise(sum);
+  Dag& dag = graph.build();
+  dag.propagation.activateAllConstraints();
+  dag.flip(x[0]);
+  dag.flip(x[1]);
+  ASSERT_FALSE(dag.propagation.evaluateConstraints(dag));
+  dag.propagation.rollbackAll(dag);
+  dag.flip(x[1]);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.marks[sum].changes->word, 1U) << "nothing is left of the move before";
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  graph.constraint(graph.add(NodeType::Not, {x[0]}));
+  graph.constraint(graph.add(NodeType::Geq, {sum, graph.constant(0)}));
+  Dag& dag = graph.build();
+  dag.propagation.activateAllConstraints();
+  for (const NodeId id : x) dag.flip(id);
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.marks[sum].changes->word, 100U) << "no operand is told twice";
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  dag.flip(x[1]);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag)) << "the next move starts anew";
+  dag.propagation.rollbackAll(dag);
+}
+
+TEST(Propagation, TellsNobodyOfAZeroThatChangesItsSign) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId zero = graph.add(NodeType::DoubleIf, {x, graph.constantDouble(-0.0), graph.constantDouble(0.0)});
+  const NodeId above = graph.add(NodeType::DoubleAbs, {zero});
+  graph.minimise(above);
+  Dag& dag = graph.build();
+  dag.flip(x);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_NE(dag.nodeValue[zero], dag.tentativeValue[zero]) << "other bits";
+  EXPECT_FALSE(dag.isDirty(above)) << "but the same number";
+  dag.propagation.rollbackAll(dag);
+}
+
+TEST(Propagation, TellsTheParentsOfAConstraintThatARecomputationMadeFalse) {
+  GraphBuilder graph;
+  const NodeId huge = graph.boolean();
+  const NodeId small = graph.boolean();
+  const NodeId free = graph.boolean();
+  const NodeId lower = graph.boolean();
+  const NodeId sum = graph.add(NodeType::DoubleScalarSum, {huge, small, lower, graph.constantDouble(1.0)},
+                               {doubleToWord(1e16), doubleToWord(0.9), doubleToWord(-5000.0), doubleToWord(2e10)});
+  // At the edge of the tolerance: the sum without an error of rounding is just above.
+  const double edge = (2e10 - 0.45) * (1 - 1e-6) / (1 + 1e-6);
+  const NodeId limit = graph.add(NodeType::DoubleLeq, {sum, graph.constantDouble(edge)});
+  const NodeId count = graph.add(NodeType::Sum, {limit, free});
+  graph.constraint(limit);
+  graph.constraint(free);
+  graph.maximise(count);
+  Dag& dag = graph.build();
+  dag.setOptimizedLevel(0);
+  commitValues(dag, {{huge, 1}, {small, 1}});
+  commitValues(dag, {{huge, 0}});
+  commitValues(dag, {{small, 0}});
+  commitValues(dag, {{free, 1}});
+  ASSERT_EQ(dag.propagation.committedNbViolated, 0) << "the sum has lost a part of the small term";
+  dag.setOptimizedLevel(1);
+  dag.propagation.activateAllConstraints();
+  ASSERT_EQ(dag.nodeValue[limit], 0);
+  commitValues(dag, {{lower, 1}});
+  EXPECT_EQ(dag.nodeValue[limit], 1);
+  EXPECT_EQ(dag.nodeValue[count], 2);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
 TEST(Propagation, TellsTheParentsOfAnActiveConstraintThatStaysTrueWithAnotherValue) {
   GraphBuilder graph;
   const NodeId x = graph.boolean();
