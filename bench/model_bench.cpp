@@ -14,8 +14,8 @@
 namespace bench {
 namespace {
 
-/// A knapsack has about four expressions per item.
-Knapsack problemOf(std::int64_t nbExpressions) { return {static_cast<std::uint32_t>(nbExpressions / 4), 1}; }
+/// A knapsack has about three expressions per item.
+Knapsack problemOf(std::int64_t nbExpressions) { return {static_cast<std::uint32_t>(nbExpressions / 3), 1}; }
 
 void perExpression(benchmark::State& state, std::int64_t nbExpressions) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * nbExpressions);
@@ -82,7 +82,7 @@ void load(benchmark::State& state, const std::string& ending) {
   perExpression(state, nbExpressions);
 }
 
-/// Reads the file to its end as the model's reader would, but makes nothing of it: the price of the form alone.
+/// Reads every token of the file and makes nothing of any: the price of the form alone.
 template <class Reader>
 void scan(benchmark::State& state, const std::string& ending) {
   const TemporaryFile file(ending);

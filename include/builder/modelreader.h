@@ -52,6 +52,7 @@ class ModelReader {
   [[nodiscard]] QVExpression* expressionAt(int position, const Place& place) const;
 
   QVModel& model;
+  bool losesSigns;  ///< of infinities, as text does
   std::unique_ptr<QVMReader> reader;
   std::vector<QVExpression*> expressions;
 };

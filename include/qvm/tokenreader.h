@@ -56,7 +56,9 @@ class TokenReader : public QVMReader {
   void nextNil() final { consume(isNil(), "nil"); }
 
  protected:
-  explicit TokenReader(const std::string& fileName) : stream(fileName) {}
+  /// `encodingName` is the qualified name of the encoding's class: failures are raised under it.
+  TokenReader(const std::string& fileName, std::string_view encodingName)
+      : stream(fileName), encodingName(encodingName) {}
 
   /// Reads one token into the fields below, `Token::EndOfFile` when there is none.
   virtual void next() = 0;
@@ -89,6 +91,7 @@ class TokenReader : public QVMReader {
   template <class Width>
   [[nodiscard]] bool isIntegerOf();
 
+  std::string_view encodingName;
   bool pending = false;
 };
 

@@ -27,7 +27,7 @@ namespace {
 }  // namespace
 
 ModelReader::ModelReader(QVModel& targetModel, const std::string& fileName)
-    : model(targetModel), reader(createReader(fileName)) {}
+    : model(targetModel), losesSigns(!isBinaryFile(fileName)), reader(createReader(fileName)) {}
 
 void ModelReader::read() {
   reader->nextOpenMap();
@@ -81,13 +81,16 @@ QVExpression* ModelReader::expressionAt(int position, const Place& place) const 
 void ModelReader::readExpressions() {
   const Place place = here<ModelReader>();
   reader->nextProperty("expressions");
-  readList([&] { readExpression(place); });
+  reader->nextOpenMap();
+  while (reader->isOpenMap()) readExpression(place);
+  reader->nextEndMap();
 }
 
 void ModelReader::readExpression(const Place& place) {
   std::optional<QVOperator> op;
   std::string name;
   std::variant<std::int64_t, double> value = std::int64_t{0};
+  reader->nextOpenMap();
   readProperties([&](const std::string& property) {
     if (property == "type") {
       op = OperatorTools::stringToOperator(reader->nextString());
@@ -102,6 +105,7 @@ void ModelReader::readExpression(const Place& place) {
     }
     return true;
   });
+  reader->nextEndMap();
   if (!op) raise<KernelException>(place, "Property 'type' is required to define an expression");
   QVExpression* expr = *op == QVOperator::Const
                            ? std::visit([&](auto number) { return model.createConstant(number); }, value)
@@ -209,14 +213,15 @@ void ModelReader::readObjectiveBounds() {
 }
 
 // The file's number need not have the objective's type: text turns a whole double into an integer, and a whole double
-// constant that came back as an integer may have turned the objective itself into one. An infinity stands for no bound,
-// which is what closing the model has set; its sign must not be used, for text loses it behind another number.
+// constant that came back as an integer may have turned the objective itself into one. An infinity that an integer
+// objective can't have stands for no bound, which is what closing the model has set. So does plus infinity in text,
+// which may be a minus infinity behind another number: taken at its word it would end a minimisation at once.
 void ModelReader::readObjectiveBound(int index) {
   QVParam& param = *model.getQuvex()->getParam();
   const bool isDouble = model.getObjective(index)->isDouble();
   if (reader->isDouble()) {
     const double bound = reader->nextDouble();
-    if (!std::isinf(bound)) param.setDoubleObjectiveBound(index, bound);
+    if (!std::isinf(bound) || (isDouble && !(losesSigns && bound > 0))) param.setDoubleObjectiveBound(index, bound);
   } else if (isDouble) {
     param.setDoubleObjectiveBound(index, static_cast<double>(reader->nextLongLong()));
   } else {

@@ -6,7 +6,7 @@
 
 namespace quvex {
 
-BinaryReader::BinaryReader(const std::string& fileName) : TokenReader(fileName) { readHeader(); }
+BinaryReader::BinaryReader(const std::string& fileName) : TokenReader(fileName, kName) { readHeader(); }
 
 void BinaryReader::readHeader() { checkMagic(here<BinaryReader>(), kBinaryMagic); }
 

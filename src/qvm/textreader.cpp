@@ -41,7 +41,7 @@ template <class Number>
 
 }  // namespace
 
-TextReader::TextReader(const std::string& fileName) : TokenReader(fileName) { readHeader(); }
+TextReader::TextReader(const std::string& fileName) : TokenReader(fileName, kName) { readHeader(); }
 
 void TextReader::readHeader() { checkMagic(here<TextReader>(), kTextMagic); }
 

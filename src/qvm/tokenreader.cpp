@@ -49,8 +49,9 @@ std::string TokenReader::nextProperty() {
 void TokenReader::nextProperty(const std::string& expected) {
   consume(isProperty(), "property");
   if (text == expected) return;
-  raise<KernelException>(here<TokenReader>(), "Unexpected property. Expected property '", expected,
-                         "'. Property found '", text, "'");
+  Place place = here<TokenReader>();
+  place.className = encodingName;
+  raise<KernelException>(place, "Unexpected property. Expected property '", expected, "'. Property found '", text, "'");
 }
 
 std::string TokenReader::nextString() {

@@ -143,6 +143,15 @@ TEST(ModelReader, RefusesWrongExpressions) {
             "An operator with name \"x\" already exists.");
 }
 
+TEST(ModelReader, MakesNoExpressionOfAnEntryWithoutEnd) {
+  Quvex quvex;
+  EXPECT_EQ(failureOf([&] { readBody(quvex, R"("expressions"={{"type"="bool" 5}})"); }).explanation,
+            "Unexpected token. Token expected : 'end-map', line 2");
+  EXPECT_EQ(quvex.getModel()->getNbExpressions(), 0);
+  EXPECT_EQ(failureOfBody(R"("expressions"={{"name"="x" 5}})").explanation,
+            "Unexpected token. Token expected : 'end-map', line 2");
+}
+
 TEST(ModelReader, RefusesIdsThatDoNotExist) {
   const std::string text = " does not exist.\nOnly indices from 0 to 1 are currently allowed.";
   const std::string expressions = R"("expressions"={{"type"="bool"}{"type"="sum"}})";
@@ -230,6 +239,25 @@ TEST(ModelReader, KeepsTheDirectionOfABoundThatLostItsSign) {
   readBody(quvex, kTwoObjectives + R"("parameters"={"objectiveBounds"={5-inf}})");
   EXPECT_EQ(quvex.getParam()->getIntObjectiveBound(0), 5);
   EXPECT_EQ(quvex.getParam()->getDoubleObjectiveBound(1), -kInf);
+}
+
+TEST(ModelReader, KeepsInfiniteBoundsOfBinaryFiles) {
+  for (const double bound : {kInf, -kInf}) {
+    Quvex source;
+    readBody(source, kTwoObjectives);
+    if (!source.getModel()->isClosed()) source.getModel()->close();
+    source.getParam()->setDoubleObjectiveBound(1, bound);
+    const TempFile binary(".qvb");
+    ModelWriter(*source.getModel(), binary.name()).write();
+    Quvex fromBinary;
+    ModelReader(*fromBinary.getModel(), binary.name()).read();
+    EXPECT_EQ(fromBinary.getParam()->getDoubleObjectiveBound(1), bound);
+    const TempFile text(".qvm");
+    ModelWriter(*source.getModel(), text.name()).write();
+    Quvex fromText;
+    ModelReader(*fromText.getModel(), text.name()).read();
+    EXPECT_EQ(fromText.getParam()->getDoubleObjectiveBound(1), -kInf) << "the sign may be a lost one";
+  }
 }
 
 TEST(ModelReader, RefusesAFractionAsTheBoundOfAnIntegerObjective) {

@@ -99,9 +99,16 @@ TEST_F(Application, DescribesTheCompiledGraph) {
 
 TEST_F(Application, ConvertsAmongTheFormats) {
   saveModel("model.qvm", {30});
-  ASSERT_EQ(run({"convert", "model.qvm", "packed.qvb.gz"}).exitCode, 0);
-  ASSERT_EQ(run({"convert", "packed.qvb.gz", "again.qvm"}).exitCode, 0);
-  EXPECT_EQ(read("again.qvm"), read("model.qvm"));
+  const std::vector<std::string> endings = {".qvm", ".qvm.gz", ".qvb", ".qvb.gz"};
+  for (const std::string& from : endings) {
+    ASSERT_EQ(run({"convert", "model.qvm", "from" + from}).exitCode, 0);
+    for (const std::string& to : endings) {
+      ASSERT_EQ(run({"convert", "from" + from, "to" + to}).exitCode, 0) << from << " " << to;
+      EXPECT_EQ(read("to" + to).starts_with("\x1f\x8b"), to.ends_with(".gz"));
+      ASSERT_EQ(run({"convert", "to" + to, "again.qvm"}).exitCode, 0);
+      EXPECT_EQ(read("again.qvm"), read("model.qvm")) << from << " " << to;
+    }
+  }
   EXPECT_EQ(run({"convert", "model.qvm", "model.txt"}).exitCode, 2);
 }
 

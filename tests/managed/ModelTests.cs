@@ -108,6 +108,8 @@ namespace QuvexNet.Tests
                                () => model.AddConstraint(foreign));
                 Expect.Refused("QVModel::addConstraint", "Argument expr cannot be null.", () => model.AddConstraint(null));
                 Expect.Throws<ArgumentNullException>(() => GC.KeepAlive((QVExpression)null <= 3));
+                Expect.Throws<ArgumentNullException>(() => model.Sum(null));
+                Expect.Equal(0, model.NbExpressions);
             }
         }
 

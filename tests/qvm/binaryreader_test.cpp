@@ -162,13 +162,12 @@ TEST(BinaryReader, TellsWhichKindWasExpectedAndWhatIsThere) {
 }
 
 TEST(BinaryReader, WantsThePropertyOfTheGivenName) {
-  EXPECT_EQ(explanationOf([] {
-              BinaryDocument(
-                  "\x12"
-                  "found\0"s)
-                  ->nextProperty("wanted");
-            }),
-            "Unexpected property. Expected property 'wanted'. Property found 'found'");
+  BinaryDocument reader(
+      "\x12"
+      "found\0"s);
+  EXPECT_EQ(
+      failureOf([&] { reader->nextProperty("wanted"); }),
+      refusal("BinaryReader::nextProperty", "Unexpected property. Expected property 'wanted'. Property found 'found'"));
 }
 
 TEST(BinaryReader, SkipsValuesWithAllTheirContents) {

@@ -92,6 +92,19 @@ TEST(BinaryWriter, WritesNewStringsInFullOnceTheCacheIsFull) {
   EXPECT_EQ(tail.substr(tail.size() - expected.size()), expected);
 }
 
+TEST(BinaryWriter, WritesNewNamesInFullOnceTheCacheIsFull) {
+  const std::string tail = written([](QVMWriter& writer) {
+    for (int i = 0; i < 65534; ++i) writer.pushValue(std::to_string(i));
+    writer.pushMap();
+    writer.pushValue("new", 1);
+    writer.pushValue("65533", 2);
+    writer.popMap();
+  });
+  const std::string expected = "\x10\x12new\0\xA0\x01\x13\xFD\xFF\xA0\x02\x11"s;
+  ASSERT_GT(tail.size(), expected.size());
+  EXPECT_EQ(tail.substr(tail.size() - expected.size()), expected);
+}
+
 TEST(BinaryWriter, TakesTheNarrowestInteger) {
   EXPECT_EQ(writtenInteger(0), "\xA0\0"s);
   EXPECT_EQ(writtenInteger(127), "\xA0\x7F");
@@ -106,6 +119,7 @@ TEST(BinaryWriter, TakesTheNarrowestInteger) {
   EXPECT_EQ(writtenInteger(2147483648LL), "\xA3\0\0\0\x80\0\0\0\0"s);
   EXPECT_EQ(writtenInteger(-2147483648LL), "\xA2\0\0\0\x80"s);
   EXPECT_EQ(writtenInteger(-2147483649LL), "\xA3\xFF\xFF\xFF\x7F\xFF\xFF\xFF\xFF");
+  EXPECT_EQ(writtenInteger(std::numeric_limits<long long>::max()), "\xA3\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x7F");
   EXPECT_EQ(writtenInteger(std::numeric_limits<long long>::min()), "\xA3\0\0\0\0\0\0\0\x80"s);
 }
 

@@ -313,8 +313,9 @@ TEST(TextReader, TellsWhichKindWasExpected) {
 
 TEST(TextReader, WantsThePropertyOfTheGivenName) {
   TextDocument reader("\"found\"=1");
-  EXPECT_EQ(explanationOf([&] { reader->nextProperty("wanted"); }),
-            "Unexpected property. Expected property 'wanted'. Property found 'found'");
+  EXPECT_EQ(
+      failureOf([&] { reader->nextProperty("wanted"); }),
+      refusal("TextReader::nextProperty", "Unexpected property. Expected property 'wanted'. Property found 'found'"));
 }
 
 TEST(TextReader, SkipsValuesWithAllTheirContents) {

@@ -13,7 +13,7 @@ QvStringCallback stringCallback = nullptr;
 QvArgumentCallback argumentNullCallback = nullptr;
 QvFailureCallback failureCallback = nullptr;
 
-/// Stands in for a report that finds no memory itself. Made at load, shared by all calls, never freed.
+/// Stands in for a report that finds no memory itself. Made at load, shared by all calls.
 QVException lastReport(kSource, kOutOfMemoryLine, "quvexnativenet", "Out of memory");
 
 /// The client owns the exception from here on.

@@ -53,6 +53,8 @@ double nativeReal(QvReal value) { return value; }
   Qv##Result CSharp_##Class##_##Export() {                                \
     return guarded<Qv##Result>(__func__, [] { return Class::method(); }); \
   }
+// A read of an exception, for a client that is just translating a failure: it can't fail, and what the client's own
+// string callback throws goes through.
 #define QV_FIELD(Result, Class, Export, method)                                      \
   Qv##Result CSharp_##Class##_##Export(QvObject self) {                              \
     return binding::toResult<Qv##Result>(static_cast<const Class*>(self)->method()); \

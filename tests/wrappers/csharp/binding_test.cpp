@@ -192,6 +192,48 @@ TEST_F(Binding, MakesLiteralsConstantsFromTheLastToTheFirst) {
   EXPECT_EQ(CSharp_QVExpression_GetIntValue(CSharp_QVExpression_GetOperand(product, 1)), 7);
 }
 
+TEST_F(Binding, MakesLiteralsConstantsFromTheLastToTheFirstInEveryMixture) {
+  const QvExpr x = decision();
+  QvInt nbBefore = 0;
+  const auto newIntegers = [&] {
+    std::vector<QvLong> values;
+    for (const QvInt end = CSharp_QVModel_GetNbExpressions(model); nbBefore < end - 1; ++nbBefore) {
+      values.push_back(CSharp_QVExpression_GetIntValue(CSharp_QVModel_GetExpression__SWIG_0(model, nbBefore)));
+    }
+    ++nbBefore;  // the sum itself
+    return values;
+  };
+  const auto newDoubles = [&] {
+    std::vector<QvReal> values;
+    for (const QvInt end = CSharp_QVModel_GetNbExpressions(model); nbBefore < end - 1; ++nbBefore) {
+      values.push_back(CSharp_QVExpression_GetDoubleValue(CSharp_QVModel_GetExpression__SWIG_0(model, nbBefore)));
+    }
+    ++nbBefore;
+    return values;
+  };
+  using Integers = std::vector<QvLong>;
+  using Doubles = std::vector<QvReal>;
+  nbBefore = 1;
+  CSharp_QVModel_CreateExpression__SWIG_8(model, kSum, 10, 11, 12);
+  EXPECT_EQ(newIntegers(), (Integers{12, 11, 10}));
+  CSharp_QVModel_CreateExpression__SWIG_9(model, kSum, 20, 21, x);
+  EXPECT_EQ(newIntegers(), (Integers{21, 20}));
+  CSharp_QVModel_CreateExpression__SWIG_10(model, kSum, 30, x, 31);
+  EXPECT_EQ(newIntegers(), (Integers{31, 30}));
+  CSharp_QVModel_CreateExpression__SWIG_12(model, kSum, x, 40, 41);
+  EXPECT_EQ(newIntegers(), (Integers{41, 40}));
+  CSharp_QVModel_CreateExpression__SWIG_16(model, kSum, 0.5, 1.5);
+  EXPECT_EQ(newDoubles(), (Doubles{1.5, 0.5}));
+  CSharp_QVModel_CreateExpression__SWIG_19(model, kSum, 0.5, 1.5, 2.5);
+  EXPECT_EQ(newDoubles(), (Doubles{2.5, 1.5, 0.5}));
+  CSharp_QVModel_CreateExpression__SWIG_20(model, kSum, 0.5, 1.5, x);
+  EXPECT_EQ(newDoubles(), (Doubles{1.5, 0.5}));
+  CSharp_QVModel_CreateExpression__SWIG_21(model, kSum, 0.5, x, 1.5);
+  EXPECT_EQ(newDoubles(), (Doubles{1.5, 0.5}));
+  CSharp_QVModel_CreateExpression__SWIG_23(model, kSum, x, 0.5, 1.5);
+  EXPECT_EQ(newDoubles(), (Doubles{1.5, 0.5}));
+}
+
 /// The operands of an expression: "x" for a decision, else the constant.
 std::string operandsOf(QvExpr expr) {
   std::string text;

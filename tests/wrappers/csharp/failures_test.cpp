@@ -43,8 +43,7 @@ void failEveryAllocation(allocator::Fault fault, Call call, Check check) {
   }
 }
 
-// ------------------------------------------------------------------------------------------------ all functions at
-// once
+// ----------------------------------------------------------------------------------------------- all functions at once
 
 /// One object of each class of exports.def.
 struct Objects {
@@ -234,8 +233,7 @@ TEST_F(RunningSearch, LeavesNoExportOut) {
   EXPECT_EQ(covered.size(), nbExports);
 }
 
-// ------------------------------------------------------------------------------------------------------- single
-// failures
+// ---------------------------------------------------------------------------------------------------- single failures
 
 using Failures = BindingTest;
 

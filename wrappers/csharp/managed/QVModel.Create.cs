@@ -1,3 +1,4 @@
+using System;
 using System.Collections.Generic;
 using static QuvexNet.QVExpression;
 
@@ -22,6 +23,7 @@ namespace QuvexNet
         /// <summary>A new expression over any number of operands, for the operators that take them.</summary>
         public QVExpression CreateExpression(QVOperator op, IEnumerable<QVExpression> operands)
         {
+            if (operands == null) throw new ArgumentNullException("operands");
             QVExpression expression = CreateExpression(op);
             foreach (QVExpression operand in operands) expression.AddOperand(operand);
             return expression;
