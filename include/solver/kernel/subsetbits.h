@@ -80,6 +80,7 @@ class SubsetBits : public SubsetBase<SubsetBits> {
   /// The k-th set bit of the words, each first combined with `inversion`; n if it lies beyond the positions.
   [[nodiscard]] OperandPos select(std::uint32_t k, std::uint64_t inversion, std::uint32_t n) const {
     for (std::uint32_t i = 0; i < nbWords; ++i) {
+      // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): without words there is no turn
       const std::uint64_t word = words[i] ^ inversion;
       const std::uint32_t nbHere = bits::count(word);
       if (k < nbHere) return std::min(i * 64 + bits::select(word, k), n);

@@ -38,7 +38,7 @@ constexpr std::uint32_t kTestSize<SubsetMASK<T>> = SubsetMASK<T>::kCapacity;
 template <class Set>
 class SubsetOfAnyType : public testing::Test {
  protected:
-  static constexpr std::uint32_t n = kTestSize<Set>;
+  static constexpr std::uint32_t kN = kTestSize<Set>;
 };
 
 using AllSubsets =
@@ -47,64 +47,64 @@ using AllSubsets =
 TYPED_TEST_SUITE(SubsetOfAnyType, AllSubsets);
 
 TYPED_TEST(SubsetOfAnyType, StartsEmptyWithAllPositionsInAscendingOrder) {
-  const TypeParam set(this->n);
+  const TypeParam set(this->kN);
   EXPECT_EQ(set.size(), 0U);
   EXPECT_TRUE(set.empty());
   EXPECT_TRUE(membersOf(set).empty());
-  for (std::uint32_t k = 0; k < this->n; ++k) EXPECT_EQ(set.at(k, this->n), k);
+  for (std::uint32_t k = 0; k < this->kN; ++k) EXPECT_EQ(set.at(k, this->kN), k);
 }
 
 TYPED_TEST(SubsetOfAnyType, AddingAMemberOrRemovingAStrangerChangesNothing) {
-  TypeParam set(this->n);
-  set.add(3, this->n);
-  set.add(6, this->n);
-  const auto before = sequenceOf(set, this->n);
-  set.add(3, this->n);
-  set.remove(5, this->n);
+  TypeParam set(this->kN);
+  set.add(3, this->kN);
+  set.add(6, this->kN);
+  const auto before = sequenceOf(set, this->kN);
+  set.add(3, this->kN);
+  set.remove(5, this->kN);
   EXPECT_EQ(set.size(), 2U);
-  EXPECT_EQ(sequenceOf(set, this->n), before);
+  EXPECT_EQ(sequenceOf(set, this->kN), before);
 }
 
 TYPED_TEST(SubsetOfAnyType, AtListsMembersThenNonMembersThenN) {
-  TypeParam set(this->n);
-  for (const OperandPos p : {1U, 4U, 5U, 0U}) set.add(p, this->n);
-  set.remove(4, this->n);
-  auto sequence = sequenceOf(set, this->n);
-  for (std::uint32_t k = 0; k < this->n; ++k) EXPECT_EQ(set.contains(sequence[k]), k < set.size());
+  TypeParam set(this->kN);
+  for (const OperandPos p : {1U, 4U, 5U, 0U}) set.add(p, this->kN);
+  set.remove(4, this->kN);
+  auto sequence = sequenceOf(set, this->kN);
+  for (std::uint32_t k = 0; k < this->kN; ++k) EXPECT_EQ(set.contains(sequence[k]), k < set.size());
   std::ranges::sort(sequence);
-  for (std::uint32_t k = 0; k < this->n; ++k) EXPECT_EQ(sequence[k], k);
-  EXPECT_EQ(set.at(this->n, this->n), this->n);
-  EXPECT_EQ(set.at(this->n + 1, this->n), this->n);
+  for (std::uint32_t k = 0; k < this->kN; ++k) EXPECT_EQ(sequence[k], k);
+  EXPECT_EQ(set.at(this->kN, this->kN), this->kN);
+  EXPECT_EQ(set.at(this->kN + 1, this->kN), this->kN);
 }
 
 TYPED_TEST(SubsetOfAnyType, AtOverAFullSetGivesNBeyondIt) {
-  TypeParam set(this->n);
-  for (OperandPos p = 0; p < this->n; ++p) set.add(p, this->n);
-  EXPECT_EQ(set.size(), this->n);
-  EXPECT_EQ(set.at(this->n - 1, this->n), this->n - 1);
-  EXPECT_EQ(set.at(this->n, this->n), this->n);
+  TypeParam set(this->kN);
+  for (OperandPos p = 0; p < this->kN; ++p) set.add(p, this->kN);
+  EXPECT_EQ(set.size(), this->kN);
+  EXPECT_EQ(set.at(this->kN - 1, this->kN), this->kN - 1);
+  EXPECT_EQ(set.at(this->kN, this->kN), this->kN);
 }
 
 TYPED_TEST(SubsetOfAnyType, AgreesWithAReferenceOverRandomOperations) {
-  TypeParam set(this->n);
+  TypeParam set(this->kN);
   std::set<OperandPos> reference;
   RandomState state = 7;
   for (int i = 0; i < 20000; ++i) {
-    const OperandPos p = rand(state, this->n);
+    const OperandPos p = rand(state, this->kN);
     switch (rand(state, 6)) {
       case 0:
       case 1:
-        set.add(p, this->n);
+        set.add(p, this->kN);
         reference.insert(p);
         break;
       case 2:
       case 3:
-        set.remove(p, this->n);
+        set.remove(p, this->kN);
         reference.erase(p);
         break;
       case 4: {
         const bool member = coin(state);
-        set.set(p, this->n, member);
+        set.set(p, this->kN, member);
         member ? (void)reference.insert(p) : (void)reference.erase(p);
         break;
       }
@@ -119,52 +119,52 @@ TYPED_TEST(SubsetOfAnyType, AgreesWithAReferenceOverRandomOperations) {
   }
   auto members = membersOf(set);
   EXPECT_TRUE(kHasOwnOrder<TypeParam> || std::ranges::is_sorted(members));
-  std::vector<OperandPos> sequence = sequenceOf(set, this->n);
+  std::vector<OperandPos> sequence = sequenceOf(set, this->kN);
   sequence.resize(members.size());
   EXPECT_EQ(sequence, members);
   std::ranges::sort(members);
   EXPECT_TRUE(std::ranges::equal(members, reference));
-  EXPECT_TRUE(set.agrees(this->n, [&](OperandPos p) { return reference.contains(p); }));
+  EXPECT_TRUE(set.agrees(this->kN, [&](OperandPos p) { return reference.contains(p); }));
 }
 
 TYPED_TEST(SubsetOfAnyType, SetIsAddOrRemove) {
-  TypeParam set(this->n);
+  TypeParam set(this->kN);
   for (const bool member : {true, true, false, false}) {
-    set.set(6, this->n, member);
+    set.set(6, this->kN, member);
     EXPECT_EQ(set.contains(6), member);
     EXPECT_EQ(set.size(), member ? 1U : 0U);
   }
 }
 
 TYPED_TEST(SubsetOfAnyType, ClearLeavesNoMember) {
-  TypeParam set(this->n);
-  for (OperandPos p = 0; p < this->n; p += 2) set.add(p, this->n);
+  TypeParam set(this->kN);
+  for (OperandPos p = 0; p < this->kN; p += 2) set.add(p, this->kN);
   set.clear();
   EXPECT_EQ(set.size(), 0U);
-  for (OperandPos p = 0; p < this->n; ++p) EXPECT_FALSE(set.contains(p));
+  for (OperandPos p = 0; p < this->kN; ++p) EXPECT_FALSE(set.contains(p));
 }
 
 TYPED_TEST(SubsetOfAnyType, CertainChoicesDrawNothing) {
-  TypeParam set(this->n);
+  TypeParam set(this->kN);
   RandomState state = 42;
-  EXPECT_EQ(set.randomMember(state, this->n), kNone);
-  set.add(5, this->n);
-  EXPECT_EQ(set.randomMember(state, this->n), 5U);
-  for (OperandPos p = 0; p < this->n; ++p) set.set(p, this->n, p != 2);
-  EXPECT_EQ(set.randomNonMember(state, this->n), 2U);
-  set.add(2, this->n);
-  EXPECT_EQ(set.randomNonMember(state, this->n), kNone);
+  EXPECT_EQ(set.randomMember(state, this->kN), kNone);
+  set.add(5, this->kN);
+  EXPECT_EQ(set.randomMember(state, this->kN), 5U);
+  for (OperandPos p = 0; p < this->kN; ++p) set.set(p, this->kN, p != 2);
+  EXPECT_EQ(set.randomNonMember(state, this->kN), 2U);
+  set.add(2, this->kN);
+  EXPECT_EQ(set.randomNonMember(state, this->kN), kNone);
   EXPECT_EQ(state, 42U);
 }
 
 TYPED_TEST(SubsetOfAnyType, RandomChoicesAreAtOfOneDraw) {
-  TypeParam set(this->n);
-  for (const OperandPos p : {6U, 1U, 3U}) set.add(p, this->n);
+  TypeParam set(this->kN);
+  for (const OperandPos p : {6U, 1U, 3U}) set.add(p, this->kN);
   RandomState state = 1;
   RandomState expected = 1;
   for (int i = 0; i < 50; ++i) {
-    EXPECT_EQ(set.randomMember(state, this->n), set.at(rand(expected, 3), this->n));
-    EXPECT_EQ(set.randomNonMember(state, this->n), set.at(3 + rand(expected, this->n - 3), this->n));
+    EXPECT_EQ(set.randomMember(state, this->kN), set.at(rand(expected, 3), this->kN));
+    EXPECT_EQ(set.randomNonMember(state, this->kN), set.at(3 + rand(expected, this->kN - 3), this->kN));
     EXPECT_EQ(state, expected);
   }
 }
@@ -194,27 +194,27 @@ TYPED_TEST(SubsetOfAnyType, HoldsNoPositionAtAll) {
 }
 
 TYPED_TEST(SubsetOfAnyType, AddIfAndRemoveIfLookAtEachCandidateOnce) {
-  TypeParam set(this->n);
-  for (OperandPos p = 0; p < this->n; p += 3) set.add(p, this->n);
+  TypeParam set(this->kN);
+  for (OperandPos p = 0; p < this->kN; p += 3) set.add(p, this->kN);
   std::vector<OperandPos> looked;
-  set.addIf(this->n, [&](OperandPos p) { return looked.push_back(p), p % 3 == 1; });
-  EXPECT_TRUE(set.agrees(this->n, [](OperandPos p) { return p % 3 != 2; }));
+  set.addIf(this->kN, [&](OperandPos p) { return looked.push_back(p), p % 3 == 1; });
+  EXPECT_TRUE(set.agrees(this->kN, [](OperandPos p) { return p % 3 != 2; }));
   std::ranges::sort(looked);
   EXPECT_TRUE(std::ranges::all_of(looked, [](OperandPos p) { return p % 3 != 0; }));
   EXPECT_TRUE(std::ranges::adjacent_find(looked) == looked.end());
 
   looked.clear();
-  set.removeIf(this->n, [&](OperandPos p) { return looked.push_back(p), p % 3 == 0; });
-  EXPECT_TRUE(set.agrees(this->n, [](OperandPos p) { return p % 3 == 1; }));
+  set.removeIf(this->kN, [&](OperandPos p) { return looked.push_back(p), p % 3 == 0; });
+  EXPECT_TRUE(set.agrees(this->kN, [](OperandPos p) { return p % 3 == 1; }));
   std::ranges::sort(looked);
   EXPECT_TRUE(std::ranges::all_of(looked, [](OperandPos p) { return p % 3 != 2; }));
   EXPECT_TRUE(std::ranges::adjacent_find(looked) == looked.end());
 }
 
 TYPED_TEST(SubsetOfAnyType, PrintsTheLabelAndTheMembers) {
-  TypeParam set(this->n);
-  set.add(2, this->n);
-  set.add(7, this->n);
+  TypeParam set(this->kN);
+  set.add(2, this->kN);
+  set.add(7, this->kN);
   std::ostringstream out;
   set.print(out, "oneNodes=");
   EXPECT_EQ(out.str(), "oneNodes= 2 7\n");

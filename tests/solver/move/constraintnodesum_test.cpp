@@ -70,9 +70,9 @@ class SumGraph : public TreeGraph {
         : FlipReference(ownGraph, ownGraph.x, seed), graph(ownGraph) {}
 
     [[nodiscard]] double total() const {
-      double sum = 0;
-      for (OperandPos p = 0; p < n(); ++p) sum += value[p] ? graph.coefficient(p) : 0;
-      return sum;
+      double result = 0;
+      for (OperandPos p = 0; p < n(); ++p) result += value[p] ? graph.coefficient(p) : 0;
+      return result;
     }
     [[nodiscard]] bool moves(bool up, OperandPos p) const {
       const bool rising = up == !value[p];
