@@ -98,8 +98,8 @@ void scan(benchmark::State& state, const std::string& ending) {
   state.counters["bytes"] = static_cast<double>(std::filesystem::file_size(file.path));
 }
 
-constexpr auto scanText = scan<quvex::TextReader>;
-constexpr auto scanBinary = scan<quvex::BinaryReader>;
+void scanText(benchmark::State& state, const std::string& ending) { scan<quvex::TextReader>(state, ending); }
+void scanBinary(benchmark::State& state, const std::string& ending) { scan<quvex::BinaryReader>(state, ending); }
 
 void bySize(benchmark::internal::Benchmark* benchmark) {
   benchmark->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);

@@ -31,7 +31,7 @@ class Targeting : public testing::Test {
   Attempt attempt(Move& move, RandomState seed) {
     model.state() = seed;
     const bool isBuilt = move.apply();
-    const Attempt result{touched(*model.dag), isBuilt, model.state()};
+    Attempt result{touched(*model.dag), isBuilt, model.state()};
     move.conclude(Outcome::Infeasible);
     return result;
   }
