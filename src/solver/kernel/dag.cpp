@@ -6,6 +6,7 @@
 #include <type_traits>
 
 #include "api/qvexception.h"
+#include "solver/kernel/largepages.h"
 #include "solver/kernel/node.h"
 #include "solver/kernel/subsetchoice.h"
 #include "solver/node/allnodes.h"
@@ -75,6 +76,9 @@ void Dag::init() {
   }
   if (fixed.objectives.empty()) raise<KernelException>(here<Dag>(), "No objective.");
   initMarks();
+  for (const auto* cells : {&nodeValue, &tentativeValue}) holdInLargePages(*cells);
+  holdInLargePages(nodes);
+  holdInLargePages(marks);
   reinitAllNodes();
   initialized = true;
   propagation.init(*this);

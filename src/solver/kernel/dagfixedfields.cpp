@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "api/qvexception.h"
+#include "solver/kernel/largepages.h"
 
 namespace quvex {
 
@@ -39,6 +40,9 @@ void DagFixedFields::init() {
   listDecisions();
   computeLevels();
   sortParentsByLevel();
+  for (const auto* array : {&parentRuns, &children, &childStart, &constantStart}) holdInLargePages(*array);
+  holdInLargePages(parents);
+  holdInLargePages(constantValues);
 }
 
 void DagFixedFields::countTypes() {
