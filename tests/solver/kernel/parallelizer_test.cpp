@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -19,10 +20,9 @@ namespace {
 class Event {
  public:
   void set() {
-    {
-      const std::lock_guard lock(mutex);
-      isSet = true;
-    }
+    // Told under the lock: who waits may end the event as soon as it is released.
+    const std::lock_guard lock(mutex);
+    isSet = true;
     condition.notify_all();
   }
   void wait() {
@@ -318,10 +318,16 @@ TEST_F(SomeThreads, StopsPausedThreadsFromAnotherThread) {
   addThread(kForEver);
   parallelizer.start();
   parallelizer.pause();
-  const std::uint64_t held = heuristics[0]->iterations;
+  const std::vector<std::uint64_t> held = {heuristics[0]->iterations, heuristics[1]->iterations};
+  const std::uint64_t furthest = std::max(held[0], held[1]);
   std::thread([this] { parallelizer.stopAndJoin(); }).join();
   EXPECT_EQ(parallelizer.status(), Parallelizer::Status::Ended);
-  EXPECT_EQ(heuristics[0]->iterations, held + 1) << "the iteration that follows the pause is the last one";
+  // The iteration behind the pause is the last one, unless the other thread has ended further on: its count is then the
+  // goal of both.
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    const std::uint64_t reached = heuristics[i]->iterations;
+    EXPECT_TRUE(reached == held[i] + 1 || reached == furthest + 1) << i << ": " << reached << " from " << held[i];
+  }
   EXPECT_TRUE(parallelizer.waitFor(0));
 }
 
