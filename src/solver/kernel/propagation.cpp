@@ -311,17 +311,28 @@ void Propagation::noteLagging(const Dag& dag, NodeId id) {
   if (back) laggingNodes.remove(id);
 }
 
+/// What an operator raises leaves everything as it was, those levels behind as before.
 void Propagation::catchUp(Dag& dag) {
   if (laggingNodes.empty()) return;
   const Level last = dag.fixed.nbObjectives();
+  // They are of lower levels than what is told here, so that their tentative cells keep what is committed.
+  const auto restoreValues = [&] {
+    for (const NodeId id : laggingNodes.members()) dag.nodeValue[id] = dag.tentativeValue[id];
+  };
   for (const NodeId id : laggingNodes.members()) {
     dag.nodeValue[id] = laggingValues[id];
     propagateToParents(dag, id, optimizedLevel + 1, last);
   }
   doneLevel = optimizedLevel + 1;
-  (void)evaluateUpTo(dag, last);
+  try {
+    (void)evaluateUpTo(dag, last);
+  } catch (...) {
+    rollbackAll(dag);
+    restoreValues();
+    throw;
+  }
   commitAll(dag);
-  for (const NodeId id : laggingNodes.members()) dag.nodeValue[id] = dag.tentativeValue[id];
+  restoreValues();
   laggingNodes.clear();
 }
 

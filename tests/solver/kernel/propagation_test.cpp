@@ -167,6 +167,32 @@ TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
   dag.propagation.rollbackAll(dag);
 }
 
+TEST(Propagation, LeavesThingsAsTheyWereWhenCatchingUpFails) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId near = graph.add(NodeType::Sum, x);
+  const NodeId array = graph.add(NodeType::Array, {graph.constant(5), graph.constant(7)});
+  const NodeId far = graph.add(NodeType::Sum, x);
+  const NodeId element = graph.add(NodeType::At, {array, far});
+  graph.minimise(near);
+  graph.minimise(element);
+  Dag& dag = graph.build();
+  dag.setOptimizedLevel(1);
+  commitValues(dag, {{x[0], 1}, {x[1], 1}});
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    EXPECT_NE(explanationOf([&] { dag.propagation.catchUp(dag); }), "") << "there is no element 2";
+    EXPECT_TRUE(isClean(dag));
+    EXPECT_EQ(dag.nodeValue[x[0]], 1);
+    EXPECT_EQ(dag.nodeValue[far], 0) << "still behind";
+    EXPECT_EQ(dag.propagation.laggingNodes.size(), 2U);
+  }
+  commitValues(dag, {{x[1], 0}});
+  dag.propagation.catchUp(dag);
+  EXPECT_EQ(dag.nodeValue[far], 1);
+  EXPECT_EQ(dag.nodeValue[element], 7);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
 TEST(Propagation, TellsNobodyOfAZeroThatChangesItsSign) {
   GraphBuilder graph;
   const NodeId x = graph.boolean();
