@@ -19,12 +19,12 @@ class AggregateStage : public NodeStage {
   /// Gives an operand a tentative value and tells the operator, if that is a change.
   AggregateStage& move(OperandPos p, double value) {
     setTentative(p, value);
-    if (dag->nodeValue[p] != dag->tentativeValue[p]) node().notifyChildChanged(p, fixed, id);
+    if (dag->nodeValue[p] != dag->tentativeValue[p]) node().notifyChildChanged(*dag, p, id);
     return *this;
   }
   /// Tells the operator of a change that is none: what it then reads shows whether it walks.
   AggregateStage& notifyOnly(OperandPos p) {
-    node().notifyChildChanged(p, fixed, id);
+    node().notifyChildChanged(*dag, p, id);
     return *this;
   }
   /// Parents commit before their operands.

@@ -1,42 +1,33 @@
 #pragma once
 
+#include <cassert>
 #include <cstdint>
-#include <memory>
 
 #include "solver/kernel/types.h"
 
 namespace quvex {
 
-/// How a changed operand is noted with its parent.
+/// How the changed operands of a node are noted.
 enum class ChangeKind : std::uint8_t {
-  None,    ///< not at all: the parent looks at all its operands
-  Bit,     ///< as a bit of the log's word
-  Short,   ///< as an entry of a list of 16-bit positions, whose length is the word
-  Long,    ///< the same with 32-bit positions
-  Called,  ///< by `Node::notifyChildChanged`, and taken back by `Node::rollback`
+  None,    ///< not at all: the node looks at all its operands
+  Bit,     ///< as bits of the log's word
+  List,    ///< as entries of a list, whose length is the word
+  Called,  ///< by `Node::notifyChildChanged`, and taken back by `Node::rollback`: the node keeps more than a list
 };
 
-/// The part of a set of changed operands that a move writes; a `ChangeKind` tells what the word means. It is the base
-/// of all those sets and has nothing virtual, so that the evaluation driver notes and empties changes through a
-/// pointer: that is most of what a move does.
+/// The changed operands of one node in a move; a `ChangeKind` tells what the word means. It lies with what the
+/// evaluation driver keeps of the node, not in the node, so that a change is noted and taken back where the driver is
+/// writing anyway: that is most of what a move does.
 struct ChangeLog {
-  std::uint64_t word = 0;  ///< 0 between moves
-};
+  std::uint64_t word = 0;       ///< 0 between moves
+  OperandPos* items = nullptr;  ///< of a list, in order of arrival, with room for every operand once
 
-/// Positions in order of arrival. There is room for every operand once: telling one twice in a move would overflow.
-template <class Position>
-struct ChangeList : ChangeLog {
-  std::unique_ptr<Position[]> items;
-
-  explicit ChangeList(std::uint32_t n) : items(std::make_unique_for_overwrite<Position[]>(n)) {}
-
-  void push(OperandPos p) { items[word++] = static_cast<Position>(p); }
-};
-
-/// The log of a node, which lies in the node, and how it is written.
-struct ChangeTarget {
-  ChangeKind kind = ChangeKind::None;
-  ChangeLog* log = nullptr;
+  void setBit(OperandPos p) { word |= std::uint64_t{1} << p; }
+  /// Telling an operand twice in a move would overflow: behind the room stands kNone.
+  void push(OperandPos p) {
+    assert(items[word] != kNone);
+    items[word++] = p;
+  }
 };
 
 }  // namespace quvex

@@ -14,14 +14,23 @@ namespace quvex {
 
 class Node;
 
-/// What the evaluation driver keeps of a node, so that it need not call it.
-struct QueueMark {
-  ChangeLog* changes = nullptr;              ///< where changed operands are noted, and forgotten at a rollback
-  QueueSlot slot = 0;                        ///< the queue that it belongs to
-  bool dirtyBit = false;                     ///< set from queueing until commit or rollback
-  bool changesByCell = false;                ///< whether it has changed exactly when its two cells differ as words
+/// Whether a node that has been evaluated tells its parents.
+enum class TellKind : std::uint8_t {
+  Never,   ///< it has none
+  ByCell,  ///< if its two cells differ as words
+  Called,  ///< if `Node::hasChanged`
+};
+
+/// What the evaluation driver reads and writes of a node in every move, half a cache line.
+struct alignas(32) QueueMark {
+  ChangeLog changes;
+  Node* node = nullptr;
+  QueueSlot slot = 0;     ///< the queue that it belongs to
+  bool dirtyBit = false;  ///< of an operator: set from queueing until commit or rollback
+  TellKind tellKind = TellKind::Never;
   ChangeKind changeKind = ChangeKind::None;  ///< how `changes` is written
 };
+static_assert(sizeof(QueueMark) == 32);
 
 /// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
 /// driver. Two `Dag`s may exchange solutions exactly when their `fixed` is the same object.
@@ -55,8 +64,13 @@ class Dag {
   /// Size, types and objective bounds, on standard output.
   void printStats() const;
 
+  /// Whether an operator is queued in the current move.
   [[nodiscard]] bool isDirty(NodeId id) const { return marks[id].dirtyBit; }
+  /// Whether the current move has set a decision: never to its committed value, so that its cells tell.
+  [[nodiscard]] bool isSet(NodeId decision) const { return nodeValue[decision] != tentativeValue[decision]; }
   void clearDirty(NodeId id) { marks[id].dirtyBit = false; }
+  [[nodiscard]] ChangeLog& changes(NodeId id) { return marks[id].changes; }
+  [[nodiscard]] const ChangeLog& changes(NodeId id) const { return marks[id].changes; }
 
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
 
@@ -76,19 +90,29 @@ class Dag {
   void prefetchParents(NodeId id) const {
     if (!liesInNearCaches) fixed.prefetchParents(id);
   }
-  /// Sets a decision for the current move to the opposite of its tentative value.
-  void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - tentativeValue[decision]); }
+  /// Sets a decision for the current move to the opposite of its committed value.
+  void flip(NodeId decision) { propagation.setTentativeValue(*this, decision, 1 - nodeValue[decision]); }
 
  private:
   static constexpr std::uint32_t kNodesInNearCaches = 30000;  ///< at some hundred bytes each, all arrays together
 
   NodePool pool;
-  ChangeLog noChanges;  ///< of the nodes that keep no log: writing it does no harm
+  std::vector<OperandPos> listRoom;  ///< what the lists of changes lie in
   const bool liesInNearCaches;
 
   Node* createNode(NodeId id);
-  void initMarks();
+  [[nodiscard]] TellKind tellKindOf(NodeId id) const;
+  void bindLogs();
   void destroyNodes();
 };
+
+inline void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
+  if (dag.nodeValue[id] == value) return;
+  if (dag.isSet(id)) return;
+  dag.prefetchParents(id);
+  dag.tentativeValue[id] = value;
+  touchedDecisions.push(id);
+  if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
+}
 
 }  // namespace quvex

@@ -6,6 +6,7 @@
 
 #include "solver/kernel/nodetype.h"
 #include "solver/kernel/nodetypeutils.h"
+#include "solver/kernel/parentrange.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
@@ -16,26 +17,22 @@ using QueueSlot = std::uint32_t;
 [[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
 [[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
-/// One entry of a node's parent run: the parent, and the position that the node holds among its operands. A node used
-/// twice by one parent has two entries.
-struct ParentLink {
-  NodeId parent;
-  OperandPos childPos;
-};
-
-/// Where a node's parents lie in `DagFixedFields::parents`: one row of ends, sorted by level. It begins with the end of
-/// the node before, since runs follow one another.
+/// The parents of one node, sorted by level. Its row in the array of all parents holds where they begin and where those
+/// of each level end, as places in that array.
 class ParentRun {
  public:
-  explicit ParentRun(const std::uint32_t* runRow) : row(runRow) {}
+  ParentRun(const std::uint32_t* allParents, std::size_t row) : words(allParents), places(allParents + row) {}
 
-  /// First entry of the parents of level `k` or higher.
-  [[nodiscard]] std::uint32_t start(Level k = 0) const { return row[k]; }
+  /// First word of the parents of level `k` or higher.
+  [[nodiscard]] std::uint32_t start(Level k = 0) const { return places[k]; }
   /// Behind the last parent of level `k` or lower; at `k` equal to the number of objectives, behind the last of all.
-  [[nodiscard]] std::uint32_t end(Level k) const { return row[k + 1]; }
+  [[nodiscard]] std::uint32_t end(Level k) const { return places[k + 1]; }
+  /// The parents of levels `from` to `to`.
+  [[nodiscard]] ParentRange between(Level from, Level to) const { return {words + start(from), words + end(to)}; }
 
  private:
-  const std::uint32_t* row;
+  const std::uint32_t* words;
+  const std::uint32_t* places;
 };
 
 /// The immutable description of a compiled model, shared by all threads.
@@ -70,7 +67,6 @@ class DagFixedFields {
   std::vector<std::uint32_t> nbChildren;
   std::vector<std::uint32_t> childStart;
   std::vector<NodeId> children;
-  std::vector<ParentLink> parents;  ///< sorted by level within each run
   std::vector<Level> nodeLevel;
 
   /// Appends a node and gives it the next id. Operands must exist already for `init` to succeed.
@@ -101,21 +97,17 @@ class DagFixedFields {
     return {constantValues.data() + constantStart[id], constantCounts[id]};
   }
 
-  [[nodiscard]] ParentRun parentRun(NodeId id) const { return ParentRun(parentRuns.data() + id * runStride); }
-  /// 0 for a node without parents.
-  [[nodiscard]] std::uint32_t parentStart(NodeId id) const { return parentCount(id) == 0 ? 0 : parentRun(id).start(); }
+  [[nodiscard]] ParentRun parentRun(NodeId id) const { return {parents.data(), id * rowLength}; }
   [[nodiscard]] std::uint32_t parentCountByLevel(Level k, NodeId id) const {
-    return parentRun(id).end(k) - parentRun(id).start();
+    return parentRun(id).between(0, k).size();
   }
   [[nodiscard]] std::uint32_t parentCount(NodeId id) const { return parentCountByLevel(nbObjectives(), id); }
-  [[nodiscard]] std::span<const ParentLink> parentsOf(NodeId id) const {
-    return {parents.data() + parentStart(id), parentCount(id)};
-  }
+  [[nodiscard]] ParentRange parentsOf(NodeId id) const { return parentRun(id).between(0, nbObjectives()); }
 
   [[nodiscard]] bool isConstraint(NodeId id) const { return posInConstraints[id] != kNone; }
   [[nodiscard]] bool isDouble(NodeId id) const { return nodeDomains[id] == Domain::Double; }
-  /// Asks for the run row of a node that is soon to tell its parents: in large models it lies in no cache.
-  void prefetchParents(NodeId id) const { __builtin_prefetch(parentRuns.data() + id * runStride); }
+  /// Asks for the row of a node that is soon to tell its parents: in large models it lies in no cache.
+  void prefetchParents(NodeId id) const { __builtin_prefetch(parents.data() + id * rowLength); }
   [[nodiscard]] QueueSlot slotOf(NodeId id) const {
     return isConstraint(id) ? constraintSlot(nodeRanks[id]) : ordinarySlot(nodeRanks[id]);
   }
@@ -135,9 +127,10 @@ class DagFixedFields {
   void computeRanks();
 
  private:
-  /// Behind one 0, per node the ends of its parent run by level: telling the parents of a node costs one cache line.
-  std::vector<std::uint32_t> parentRuns;
-  std::size_t runStride = 1;
+  /// First a row per node, with the place of its first parent, those behind its last one of each level, and room for
+  /// one parent: most nodes have no more, and telling it costs one cache line. Then the parents of all others.
+  std::vector<std::uint32_t> parents;
+  std::size_t rowLength = 0;
 
   void countTypes();
   void buildParents();
@@ -146,7 +139,8 @@ class DagFixedFields {
   void listDecisions();
   void computeLevels();
   void sortParentsByLevel();
-  std::uint32_t& parentEnd(Level k, NodeId id) { return parentRuns[id * runStride + 1 + k]; }
+  std::uint32_t& parentStart(NodeId id) { return parents[id * rowLength]; }
+  std::uint32_t& parentEnd(Level k, NodeId id) { return parents[id * rowLength + 1 + k]; }
 };
 
 }  // namespace quvex

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <optional>
 #include <vector>
 
 #include "solver/kernel/dag.h"
@@ -75,17 +74,20 @@ class Heuristic {
   std::uint64_t iterationLimit = 0;
 
   virtual void iterate() = 0;
-  /// Judges the current move, whose stage 0 has been run.
-  virtual Outcome verdict(bool evaluated) = 0;
 
   /// Seconds of the wall clock since `startTime`.
   [[nodiscard]] std::int64_t elapsedSeconds() const;
-  /// Draws, builds, judges and ends one move; empty when it could not be built.
-  std::optional<Outcome> attemptMove();
-  /// The part of the verdict that looks at constraints alone; empty when the objectives decide.
-  [[nodiscard]] std::optional<Outcome> constraintVerdict(bool evaluated) const;
-  /// Evaluates and compares objective `i` with the move's reference; empty on a tie.
-  [[nodiscard]] std::optional<Outcome> objectiveVerdict(std::uint32_t i) const;
+  // The four steps of an iteration.
+  /// Draws a move and builds it. One that can't be built has ended.
+  [[nodiscard]] bool buildMove();
+  /// Runs stage 0 of the current move. False if a hard constraint broke.
+  [[nodiscard]] bool evaluateMove() { return currentMove->evaluateConstraints(); }
+  /// (The verdict is the concrete class's.) Whether constraints alone give it, of a move so evaluated.
+  [[nodiscard]] bool constraintsDecide(bool evaluated, Outcome& outcome) const;
+  /// Evaluates objective `i` and compares it with the move's reference. False on a tie.
+  [[nodiscard]] bool objectiveDecides(std::uint32_t i, Outcome& outcome) const;
+  /// Ends the current move.
+  void concludeMove(Outcome outcome);
   void recordBest();
 
  private:
@@ -103,33 +105,43 @@ class Heuristic {
 
 // What every iteration runs through stands here, so that it becomes part of the concrete class's step.
 
-inline std::optional<Outcome> Heuristic::attemptMove() {
+inline bool Heuristic::buildMove() {
   currentMove = pool[rand(choiceState, static_cast<std::uint32_t>(pool.size()))];
-  if (!currentMove->apply()) {
-    currentMove->conclude(Outcome::Infeasible);
-    return std::nullopt;
+  if (currentMove->apply()) return true;
+  currentMove->conclude(Outcome::Infeasible);
+  return false;
+}
+
+inline bool Heuristic::constraintsDecide(bool evaluated, Outcome& outcome) const {
+  if (evaluated && currentMove->leavesConstraintsAlone()) return false;
+  if (!evaluated) {
+    outcome = Outcome::Infeasible;
+    return true;
   }
-  const Outcome outcome = verdict(currentMove->evaluateLevel(0));
+  if (currentMove->constraintsBetter()) {
+    outcome = Outcome::Improved;
+    return true;
+  }
+  const bool worse = currentMove->constraintsWorse();
+  if (currentMove->referenceNbViolated() != 0) {
+    outcome = worse ? Outcome::Rejected : Outcome::Accepted;
+    return true;
+  }
+  outcome = Outcome::Infeasible;
+  return worse;
+}
+
+inline bool Heuristic::objectiveDecides(std::uint32_t i, Outcome& outcome) const {
+  currentMove->evaluateObjective(i);
+  outcome = Outcome::Rejected;
+  if (currentMove->isObjectiveWorse(i)) return true;
+  outcome = Outcome::Improved;
+  return currentMove->isObjectiveBetter(i);
+}
+
+inline void Heuristic::concludeMove(Outcome outcome) {
   currentMove->conclude(outcome);
   if (dag.propagation.committedNbViolated == 0 && !dag.propagation.allConstraintsActive()) promote();
-  return outcome;
-}
-
-inline std::optional<Outcome> Heuristic::constraintVerdict(bool evaluated) const {
-  if (!evaluated) return Outcome::Infeasible;
-  if (currentMove->leavesConstraintsAlone()) return std::nullopt;
-  if (currentMove->constraintsBetter()) return Outcome::Improved;
-  const bool worse = currentMove->constraintsWorse();
-  if (currentMove->referenceNbViolated() != 0) return worse ? Outcome::Rejected : Outcome::Accepted;
-  if (worse) return Outcome::Infeasible;
-  return std::nullopt;
-}
-
-inline std::optional<Outcome> Heuristic::objectiveVerdict(std::uint32_t i) const {
-  currentMove->evaluateLevel(i + 1);
-  if (currentMove->objectiveWorse(i)) return Outcome::Rejected;
-  if (currentMove->objectiveBetter(i)) return Outcome::Improved;
-  return std::nullopt;
 }
 
 }  // namespace quvex

@@ -37,7 +37,7 @@ class HeuristicAutoAnnealing final : public Heuristic {
   std::vector<std::vector<double>> recentValues;  ///< one ring per objective
 
   void iterate() override;
-  Outcome verdict(bool evaluated) override;
+  [[nodiscard]] Outcome verdict(bool evaluated);
 
   void updateAnnealing();
   void updateRecent();

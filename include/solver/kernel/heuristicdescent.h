@@ -12,7 +12,7 @@ class HeuristicDescent final : public Heuristic {
 
  private:
   void iterate() override;
-  Outcome verdict(bool evaluated) override;
+  [[nodiscard]] Outcome verdict(bool evaluated) const;
 };
 
 }  // namespace quvex

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "solver/kernel/dag.h"
+#include "solver/kernel/objectivecompare.h"
 #include "solver/kernel/random.h"
 #include "solver/kernel/types.h"
 
@@ -61,6 +62,32 @@ class Move {
   [[nodiscard]] virtual std::uint32_t referenceNbViolated() const;
   [[nodiscard]] virtual std::int64_t referenceViolation() const;
 
+  virtual void resetStatistics();
+  virtual void printStatistics(std::ostream& stream) const;
+
+  [[nodiscard]] virtual bool constraintsWorse() const;
+  [[nodiscard]] virtual bool constraintsBetter() const;
+  [[nodiscard]] virtual bool objectiveWorse(std::uint32_t i) const;
+  [[nodiscard]] virtual bool objectiveBetter(std::uint32_t i) const;
+
+  /// What every iteration asks, without a call for the moves that are judged by the committed state: `evaluateLevel` of
+  /// stage 0, then of an objective's, `objectiveWorse`, `objectiveBetter`.
+  [[nodiscard]] bool evaluateConstraints() {
+    return judgedByCommitted ? dag.propagation.evaluateConstraints(dag) : evaluateLevel(0);
+  }
+  void evaluateObjective(std::uint32_t i) {
+    if (judgedByCommitted) {
+      (void)dag.propagation.evaluateUpTo(dag, i + 1);
+    } else {
+      evaluateLevel(i + 1);
+    }
+  }
+  [[nodiscard]] bool isObjectiveWorse(std::uint32_t i) const {
+    return judgedByCommitted ? isWorse(dag, i, committedObjective(i)) : objectiveWorse(i);
+  }
+  [[nodiscard]] bool isObjectiveBetter(std::uint32_t i) const {
+    return judgedByCommitted ? isBetter(dag, i, committedObjective(i)) : objectiveBetter(i);
+  }
   /// Whether the constraints leave the verdict to the objectives, as they do for nearly every attempt of a feasible
   /// search: judged against the committed state, feasible there, and counted the same now. It spares asking the
   /// reference and the comparisons one by one.
@@ -70,27 +97,21 @@ class Move {
            now.tentativeViolation == now.committedViolation;
   }
 
-  virtual void resetStatistics();
-  virtual void printStatistics(std::ostream& stream) const;
-
-  [[nodiscard]] virtual bool constraintsWorse() const;
-  [[nodiscard]] virtual bool constraintsBetter() const;
-  [[nodiscard]] virtual bool objectiveWorse(std::uint32_t i) const;
-  [[nodiscard]] virtual bool objectiveBetter(std::uint32_t i) const;
-
   /// How much the credit of one attempt counts when weights are adapted; below 1 for attempts of several steps.
   [[nodiscard]] virtual double costFactor() const { return 1.0; }
 
  protected:
   Dag& dag;
   RandomState& randomState;
-  bool judgedByCommitted = true;  ///< false in a move that overrides the reference
+  bool judgedByCommitted = true;  ///< false in a move that overrides the reference, or how it is evaluated
 
   void countOutcome(Outcome outcome);
 
   /// The start of a targeted attempt: a percentage test (no draw for a rate of 0), then what `pickTarget` proposes.
   /// None if either fails.
   [[nodiscard]] NodeId drawTarget(std::uint32_t rate) { return rate == 0 ? kNone : drawTargetAt(rate); }
+
+  [[nodiscard]] t_value committedObjective(std::uint32_t i) const { return dag.nodeValue[dag.fixed.objectives[i]]; }
 
  private:
   [[nodiscard]] NodeId drawTargetAt(std::uint32_t rate);
@@ -101,19 +122,10 @@ class Move {
 /// "3-2-ForkCycle".
 [[nodiscard]] std::string moveName(std::uint32_t size, std::uint32_t forks, std::string_view word);
 
-/// The general case of `sampleDistinct`.
-void shuffleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out);
-
 /// Fills `out` with `k` distinct indices of [0, n), `k <= n`, in the order drawn: a Fisher-Yates shuffle cut after k
 /// steps (Knuth, The Art of Computer Programming, volume 2, algorithm 3.4.2P), in O(k) memory. A draw of one among one
 /// is certain and steps nothing.
-inline void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out) {
-  if (k == 1 && out.size() == 1) {  // by far the most frequent size: nothing is displaced
-    out[0] = rand(state, n);
-  } else {
-    shuffleDistinct(state, n, k, out);
-  }
-}
+void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out);
 
 /// Proposes one decision whose change goes toward what the search wants now: the rise of a random violated constraint,
 /// or the first objective with room for improvement. False, with `decision` untouched, if there is no proposal.

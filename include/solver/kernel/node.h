@@ -71,11 +71,10 @@ class Node {
   [[nodiscard]] virtual bool hasChanged(const Dag& dag, NodeId id) const;
   virtual void commit(Dag& dag, NodeId id);
   virtual void rollback(Dag& dag, NodeId id);
-  /// The operand at this position has changed in the current move.
-  virtual void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id);
-  /// The log that `notifyChildChanged` and `rollback` write: the evaluation driver keeps its address, and writes it
-  /// without calling them.
-  [[nodiscard]] virtual ChangeTarget changeTarget() { return {}; }
+  /// The operand at this position has changed in the current move. Not called for a kind of changes that the evaluation
+  /// driver notes by itself, as it takes them back by itself.
+  virtual void notifyChildChanged(Dag& dag, OperandPos position, NodeId id);
+  [[nodiscard]] virtual ChangeKind changeKind() const { return ChangeKind::None; }
 
  protected:
   /// The dump that every operator begins with.

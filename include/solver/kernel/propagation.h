@@ -127,9 +127,11 @@ class Propagation {
   NodeList* nextDeferredNodes = &deferredLists[1];  ///< the same for the stage after the running one
   std::vector<DagListener*> listeners;
 
-  [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const;
-  void enqueueParent(const Dag& dag, QueueMark& mark, NodeId id);
-  void noteChange(const Dag& dag, const QueueMark& mark, NodeId id, OperandPos position);
+  /// Whether a decision is no constraint, as nearly all are.
+  [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const {
+    return !constraintsAmongDecisions || !fixed.isConstraint(id);
+  }
+  void noteChange(Dag& dag, QueueMark& mark, NodeId id, OperandPos position);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
   [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
   [[nodiscard]] bool evaluateBarriers(Dag& dag, const RankQueue& queue);
@@ -138,10 +140,8 @@ class Propagation {
   void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);
   void initQueues(const DagFixedFields& fixed);
   [[nodiscard]] bool runConstraintStage(Dag& dag);
-  [[nodiscard]] bool evaluateLevel0(Dag& dag);
   void runStage(Dag& dag, Level stage);
   void nextStage(Level stage);
-  void rollbackNode(Dag& dag, NodeId id);
   void commitNode(Dag& dag, NodeId id);
   void commitConstraint(const Dag& dag, NodeId id);
   void noteLagging(const Dag& dag, NodeId id);

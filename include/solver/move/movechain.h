@@ -56,7 +56,7 @@ class MoveChain : public Move {
   /// The rare direction of a sum: true if at most half of its operands can raise it.
   [[nodiscard]] bool rare(NodeId sum) const;
   [[nodiscard]] bool canFlip(NodeId decision) const {
-    return dag.fixed.nodeTypes[decision] == NodeType::Boolean && !dag.isDirty(decision);
+    return dag.fixed.nodeTypes[decision] == NodeType::Boolean && !dag.isSet(decision);
   }
 
   /// The start of paths, which begin in a sum with slack: by targeting, or drawn.

@@ -23,10 +23,8 @@ class MoveSimpleKFlip : public Move {
   std::uint32_t targetingRate;  ///< a percentage, not checked
   std::vector<std::uint32_t> sample;
 
-  /// Draws `k` positions of [0, n), one fewer if a target takes the place of one.
-  void resizeSample(bool useTarget, std::uint32_t n) {
-    sampleDistinct(randomState, n, k - static_cast<std::uint32_t>(useTarget), sample);
-  }
+  /// Changes `k` decisions, the target and drawn ones.
+  void flipSample(NodeId target, std::uint32_t n);
 };
 
 }  // namespace quvex

@@ -19,14 +19,17 @@ namespace quvex {
 template <class Set, class Inner, class Changes = ChangedSet<Set>>
 class AggregateNode : public Inner {
  public:
-  explicit AggregateNode(std::uint32_t nbOperands) : changedNodes(nbOperands) {}
+  explicit AggregateNode(std::uint32_t nbOperands) : changeFlags(nbOperands) {}
 
   void rollback(Dag& dag, NodeId id) final {
     dag.tentativeValue[id] = dag.nodeValue[id];
-    changedNodes.clear();
+    clearChanges(dag, id);
   }
-  void notifyChildChanged(OperandPos position, const DagFixedFields&, NodeId) final { changedNodes.add(position); }
-  [[nodiscard]] ChangeTarget changeTarget() final { return {Changes::kKind, &changedNodes}; }
+  void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) final {
+    Changes::add(dag.changes(id), position);
+    changeFlags.add(position);
+  }
+  [[nodiscard]] ChangeKind changeKind() const final { return Changes::kKind; }
 
   bool pickDecrease(const Dag& dag, RandomState& state, NodeId& decision, int& delta, NodeId id) const final {
     return pickToward(PickRequest{dag, state, decision, delta}, Direction::Down, id);
@@ -39,7 +42,7 @@ class AggregateNode : public Inner {
   }
 
  protected:
-  Changes changedNodes;
+  [[nodiscard]] Changes changedNodes(const Dag& dag, NodeId id) const { return {dag.changes(id), changeFlags}; }
 
   /// `pickDecrease` and `pickIncrease` as one, since they mostly mirror each other.
   virtual bool pickToward(const PickRequest& request, Direction direction, NodeId id) const = 0;
@@ -61,19 +64,27 @@ class AggregateNode : public Inner {
   /// The first half of every `init`.
   void initCells(Dag& dag, NodeId id) {
     Inner::init(dag, id);
-    changedNodes.clear();
+    clearChanges(dag, id);
   }
   /// The last step of every `commit`.
   void commitCells(Dag& dag, NodeId id) {
-    changedNodes.clear();
+    clearChanges(dag, id);
     dag.nodeValue[id] = dag.tentativeValue[id];
   }
   /// The common tests of every `isInit`.
   [[nodiscard]] bool areCellsInit(const Dag& dag, NodeId id) const {
-    return Inner::isInit(dag, id) && changedNodes.empty();
+    return Inner::isInit(dag, id) && changedNodes(dag, id).empty();
   }
 
   static void printFlag(const char* label, bool flag) { std::cout << label << flag << '\n'; }
+
+ private:
+  [[no_unique_address]] typename Changes::Flags changeFlags;
+
+  void clearChanges(Dag& dag, NodeId id) {
+    changeFlags.clear(dag.changes(id));
+    dag.changes(id).word = 0;
+  }
 };
 
 }  // namespace quvex

@@ -55,12 +55,12 @@ class DoubleExtremumOf : public ExtremumOf<Set, Order, Weight> {
       areNumbers = areNumbers && this->isNumber(term);
       if (Order::better(term, best)) best = term;
     };
-    this->changedNodes.forEach(look);
+    this->changedNodes(dag, id).forEach(look);
     if (!areNumbers) return false;
     if (Order::better(value, best)) {
-      if (!this->changedNodes.contains(supportNodePos)) return true;
+      if (!this->changedNodes(dag, id).contains(supportNodePos)) return true;
       for (OperandPos p = 0; p < dag.fixed.nbChildren[id]; ++p) {
-        if (!this->changedNodes.contains(p)) look(p);
+        if (!this->changedNodes(dag, id).contains(p)) look(p);
       }
       if (!areNumbers) return false;
     }
@@ -105,7 +105,7 @@ class DoubleExtremumOf : public ExtremumOf<Set, Order, Weight> {
   void commitSupport(const Dag& dag, NodeId id) {
     SupportScan scan;
     if (Order::better(wordToDouble(dag.tentativeValue[id]), wordToDouble(dag.nodeValue[id]))) {
-      this->changedNodes.forEach([&](OperandPos p) { scan.look(this->tentativeTerm(dag, id, p), p); });
+      this->changedNodes(dag, id).forEach([&](OperandPos p) { scan.look(this->tentativeTerm(dag, id, p), p); });
     } else {
       for (OperandPos p = 0; p < dag.fixed.nbChildren[id]; ++p) scan.look(this->tentativeTerm(dag, id, p), p);
     }

@@ -37,7 +37,7 @@ class DoubleProductOf : public AggregateNode<Set, NodeDoubleInner> {
     const NodeId* const children = dag.fixed.childrenOf(id).data();
     double before = 1;
     double after = 1;
-    this->changedNodes.forEach([&](OperandPos p) {
+    this->changedNodes(dag, id).forEach([&](OperandPos p) {
       before *= dag.committedDouble(children[p]);
       after *= dag.tentativeDouble(children[p]);
     });

@@ -32,7 +32,7 @@ class IntegerExtremumOf : public ExtremumOf<Set, Order, Weight> {
     const std::int64_t value = dag.nodeValue[id];
     std::uint32_t nbSupports = supports.size();
     std::int64_t best = Order::template worst<IntegerCells>();
-    this->changedNodes.forEach([&](OperandPos p) {
+    this->changedNodes(dag, id).forEach([&](OperandPos p) {
       if (this->committedTerm(dag, id, p) == value) --nbSupports;
       improve(best, this->tentativeTerm(dag, id, p));
     });
@@ -41,7 +41,7 @@ class IntegerExtremumOf : public ExtremumOf<Set, Order, Weight> {
     if (Order::better(value, best)) {
       if (nbSupports != 0) return;
       for (OperandPos p = 0; p < dag.fixed.nbChildren[id]; ++p) {
-        if (!this->changedNodes.contains(p)) improve(best, this->tentativeTerm(dag, id, p));
+        if (!this->changedNodes(dag, id).contains(p)) improve(best, this->tentativeTerm(dag, id, p));
       }
     }
     dag.tentativeValue[id] = best;
@@ -99,7 +99,7 @@ class IntegerExtremumOf : public ExtremumOf<Set, Order, Weight> {
       return;
     }
     if (Order::better(after, before)) supports.clear();
-    this->changedNodes.forEach([&](OperandPos p) { supports.set(p, n, reaches(p)); });
+    this->changedNodes(dag, id).forEach([&](OperandPos p) { supports.set(p, n, reaches(p)); });
   }
 };
 

@@ -63,7 +63,7 @@ class IntegerProductOf : public ZeroNodesAggregate<Set> {
   template <class Visit>
   void forEachChange(const Dag& dag, NodeId id, Visit visit) const {
     const NodeId* const children = dag.fixed.childrenOf(id).data();
-    this->changedNodes.forEach(
+    this->changedNodes(dag, id).forEach(
         [&](OperandPos p) { visit(p, dag.nodeValue[children[p]], dag.tentativeValue[children[p]]); });
   }
 

@@ -54,7 +54,7 @@ class NodeAndTemplate final : public ZeroNodesAggregate<Set> {
   /// A true "and" has no operand at 0, so each change took one there. A false one turns true only if exactly the
   /// operands at 0 have changed.
   [[nodiscard]] bool isTrueAfterChanges(const Dag& dag, NodeId id) const {
-    return dag.nodeValue[id] != 1 && this->changedNodes.isSameAs(this->zeroNodes);
+    return dag.nodeValue[id] != 1 && this->changedNodes(dag, id).isSameAs(this->zeroNodes);
   }
 
   void updateZeroNodes(const Dag& dag, NodeId id) {
@@ -64,9 +64,9 @@ class NodeAndTemplate final : public ZeroNodesAggregate<Set> {
     if (before < after) {
       this->zeroNodes.clear();
     } else if (before > after) {
-      this->changedNodes.forEach([&](OperandPos p) { this->zeroNodes.add(p, n); });
+      this->changedNodes(dag, id).forEach([&](OperandPos p) { this->zeroNodes.add(p, n); });
     } else {
-      this->changedNodes.forEach(
+      this->changedNodes(dag, id).forEach(
           [&](OperandPos p) { this->zeroNodes.set(p, n, dag.tentativeValue[dag.child(id, p)] != 1); });
     }
   }

@@ -26,8 +26,8 @@ class NodeArray : public NodeInner {
   [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override = 0;
   void commit(Dag& dag, NodeId id) override = 0;
   void rollback(Dag& dag, NodeId id) override = 0;
-  void notifyChildChanged(OperandPos position, const DagFixedFields& fixed, NodeId id) override = 0;
-  [[nodiscard]] ChangeTarget changeTarget() override = 0;
+  void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) override = 0;
+  [[nodiscard]] ChangeKind changeKind() const override = 0;
 };
 
 /// An array has changed as soon as one element has, though its own cells never do. That is what wakes the nodes above.
@@ -36,17 +36,19 @@ class NodeArrayTemplate final : public NodeArray {
  public:
   static inline const std::string kName = nameOver<Set>("quvex::NodeArrayTemplate");
 
-  explicit NodeArrayTemplate(std::uint32_t nbElements) : changedNodes(nbElements) {}
+  explicit NodeArrayTemplate(std::uint32_t) {}
 
-  void init(Dag&, NodeId) override { changedNodes.clear(); }
-  [[nodiscard]] bool hasChanged(const Dag&, NodeId) const override { return !changedNodes.empty(); }
-  void commit(Dag&, NodeId) override { changedNodes.clear(); }
-  void rollback(Dag&, NodeId) override { changedNodes.clear(); }
-  void notifyChildChanged(OperandPos position, const DagFixedFields&, NodeId) override { changedNodes.add(position); }
-  [[nodiscard]] ChangeTarget changeTarget() override { return {ChangedSet<Set>::kKind, &changedNodes}; }
+  void init(Dag& dag, NodeId id) override { clearChanges(dag, id); }
+  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override { return dag.changes(id).word != 0; }
+  void commit(Dag& dag, NodeId id) override { clearChanges(dag, id); }
+  void rollback(Dag& dag, NodeId id) override { clearChanges(dag, id); }
+  void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) override {
+    ChangedSet<Set>::add(dag.changes(id), position);
+  }
+  [[nodiscard]] ChangeKind changeKind() const override { return ChangedSet<Set>::kKind; }
 
  private:
-  ChangedSet<Set> changedNodes;  ///< elements changed in the current move
+  static void clearChanges(Dag& dag, NodeId id) { dag.changes(id).word = 0; }
 };
 
 }  // namespace quvex

@@ -23,7 +23,8 @@ class NodeBooleanSumTemplate final : public OneNodesAggregate<Set> {
   void eval(Dag& dag, Propagation&, NodeId id) override {
     const NodeId* const children = dag.fixed.childrenOf(id).data();
     std::int64_t sum = dag.tentativeValue[id];
-    this->changedNodes.forEach([&](OperandPos p) { sum += dag.tentativeValue[children[p]] != 0 ? 1 : -1; });
+    this->changedNodes(dag, id).forEachInAnyOrder(
+        [&](OperandPos p) { sum += dag.tentativeValue[children[p]] != 0 ? 1 : -1; });
     dag.tentativeValue[id] = sum;
   }
   void commit(Dag& dag, NodeId id) override {

@@ -13,15 +13,15 @@ class NodeBooleanVar final : public NodeDecision {
   [[nodiscard]] static Bounds computeBounds(const DagFixedFields&, NodeId) { return {0, 1}; }
 
   bool pickDecrease(const Dag& dag, RandomState&, NodeId& decision, int& delta, NodeId id) const override {
-    if (dag.isDirty(id) || dag.nodeValue[id] == 0) return false;
+    if (dag.isSet(id) || dag.nodeValue[id] == 0) return false;
     return answer(decision, delta, id, -1);
   }
   bool pickIncrease(const Dag& dag, RandomState&, NodeId& decision, int& delta, NodeId id) const override {
-    if (dag.isDirty(id) || dag.nodeValue[id] == 1) return false;
+    if (dag.isSet(id) || dag.nodeValue[id] == 1) return false;
     return answer(decision, delta, id, +1);
   }
   bool pickChange(const Dag& dag, RandomState&, NodeId& decision, int& delta, NodeId id) const override {
-    if (dag.isDirty(id)) return false;
+    if (dag.isSet(id)) return false;
     return answer(decision, delta, id, dag.nodeValue[id] != 0 ? -1 : +1);
   }
 

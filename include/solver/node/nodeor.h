@@ -55,7 +55,7 @@ class NodeOrTemplate final : public OneNodesAggregate<Set> {
   /// A false "or" has no operand at 1, so each change took one there. A true one turns false only if exactly the
   /// operands at 1 have changed.
   [[nodiscard]] bool isTrueAfterChanges(const Dag& dag, NodeId id) const {
-    return dag.nodeValue[id] == 0 || !this->changedNodes.isSameAs(this->oneNodes);
+    return dag.nodeValue[id] == 0 || !this->changedNodes(dag, id).isSameAs(this->oneNodes);
   }
 
   void updateOneNodesByValue(const Dag& dag, NodeId id) {
@@ -64,7 +64,7 @@ class NodeOrTemplate final : public OneNodesAggregate<Set> {
     if (before > after) {
       this->oneNodes.clear();
     } else if (before < after) {
-      this->changedNodes.forEach([&](OperandPos p) { this->oneNodes.add(p, dag.fixed.nbChildren[id]); });
+      this->changedNodes(dag, id).forEach([&](OperandPos p) { this->oneNodes.add(p, dag.fixed.nbChildren[id]); });
     } else {
       this->updateOneNodes(dag, id);
     }

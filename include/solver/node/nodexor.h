@@ -23,7 +23,7 @@ class NodeXorTemplate final : public OneNodesAggregate<Set> {
   }
   /// Each changed operand has flipped, and with it the parity.
   void eval(Dag& dag, Propagation&, NodeId id) override {
-    dag.tentativeValue[id] = dag.nodeValue[id] ^ static_cast<t_value>(this->changedNodes.hasOddSize());
+    dag.tentativeValue[id] = dag.nodeValue[id] ^ static_cast<t_value>(this->changedNodes(dag, id).hasOddSize());
   }
   /// Folds the changes also where the parity stayed.
   void commit(Dag& dag, NodeId id) override {

@@ -32,7 +32,7 @@ class OneNodesAggregate : public AggregateNode<Set, NodeInner> {
   /// Brings the changed positions in step with the tentative values.
   void updateOneNodes(const Dag& dag, NodeId id) {
     const auto children = dag.fixed.childrenOf(id);
-    this->changedNodes.forEach([&](OperandPos p) {
+    this->changedNodes(dag, id).forEach([&](OperandPos p) {
       oneNodes.set(p, static_cast<std::uint32_t>(children.size()), dag.tentativeValue[children[p]] == 1);
     });
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <type_traits>
 #include <utility>
 
 #include "solver/node/aggregatenode.h"
@@ -29,7 +30,7 @@ class SumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
   }
   void commit(Dag& dag, NodeId id) final {
     const std::uint32_t n = dag.fixed.nbChildren[id];
-    this->changedNodes.forEach([&](OperandPos p) {
+    this->changedNodes(dag, id).forEach([&](OperandPos p) {
       const Value value = Cells::tentative(dag, dag.child(id, p));
       notMinNodes.set(p, n, canLower(dag.fixed, id, p, value));
       notMaxNodes.set(p, n, canRaise(dag.fixed, id, p, value));
@@ -95,15 +96,20 @@ class SumOf : public AggregateNode<Set, typename Weight::Cells::Inner> {
     return this->template pickTerm<Weight>(request, direction, id, p);
   }
 
-  /// What the changed operands add to the committed value.
+  /// What the changed operands add to the committed value. Integers add up to the same in any order, doubles don't.
   [[nodiscard]] Value change(const Dag& dag, NodeId id) const {
     const NodeId* const children = dag.fixed.childrenOf(id).data();
     Value delta = 0;
-    this->changedNodes.forEach([&](OperandPos p) {
+    const auto addStep = [&](OperandPos p) {
       const NodeId child = children[p];
       const Value step = Cells::subtract(Cells::tentative(dag, child), Cells::committed(dag, child));
       delta = Cells::add(delta, Weight::term(dag.fixed, id, p, step));
-    });
+    };
+    if constexpr (std::is_integral_v<Value>) {
+      this->changedNodes(dag, id).forEachInAnyOrder(addStep);
+    } else {
+      this->changedNodes(dag, id).forEach(addStep);
+    }
     return delta;
   }
 

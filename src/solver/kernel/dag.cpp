@@ -50,6 +50,7 @@ Dag::Dag(const DagFixedFields& fixedFields)
   nodes.reserve(fixed.nbNodes);
   try {
     for (NodeId id = 0; id < fixed.nbNodes; ++id) nodes.push_back(createNode(id));
+    bindLogs();
   } catch (...) {
     destroyNodes();
     throw;
@@ -75,22 +76,39 @@ void Dag::init() {
     raise<KernelException>(here<Dag>(), "Different number of directions and operators in the objective.");
   }
   if (fixed.objectives.empty()) raise<KernelException>(here<Dag>(), "No objective.");
-  initMarks();
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
+    marks[id].slot = fixed.slotOf(id);
+    marks[id].tellKind = tellKindOf(id);
+  }
   for (const auto* cells : {&nodeValue, &tentativeValue}) holdInLargePages(*cells);
   holdInLargePages(nodes);
   holdInLargePages(marks);
+  holdInLargePages(listRoom);
   reinitAllNodes();
   initialized = true;
   propagation.init(*this);
 }
 
-void Dag::initMarks() {
+TellKind Dag::tellKindOf(NodeId id) const {
+  if (fixed.parentCount(id) == 0) return TellKind::Never;
+  return fixed.nodeDomains[id] <= Domain::Integer ? TellKind::ByCell : TellKind::Called;
+}
+
+void Dag::bindLogs() {
+  const auto needsList = [](ChangeKind kind) { return kind == ChangeKind::List || kind == ChangeKind::Called; };
+  std::size_t length = 0;
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    const auto [kind, log] = nodes[id]->changeTarget();
-    marks[id] = {.changes = log == nullptr ? &noChanges : log,
-                 .slot = fixed.slotOf(id),
-                 .changesByCell = fixed.nodeDomains[id] <= Domain::Integer,
-                 .changeKind = kind};
+    marks[id].node = nodes[id];
+    marks[id].changeKind = nodes[id]->changeKind();
+    if (needsList(marks[id].changeKind)) length += std::size_t{fixed.nbChildren[id]} + 1;
+  }
+  listRoom.resize(length);
+  OperandPos* room = listRoom.data();
+  for (NodeId id = 0; id < fixed.nbNodes; ++id) {
+    if (!needsList(marks[id].changeKind)) continue;
+    marks[id].changes.items = room;
+    room += fixed.nbChildren[id];
+    *room++ = kNone;
   }
 }
 

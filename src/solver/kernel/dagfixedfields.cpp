@@ -40,8 +40,7 @@ void DagFixedFields::init() {
   listDecisions();
   computeLevels();
   sortParentsByLevel();
-  for (const auto* array : {&parentRuns, &children, &childStart, &constantStart}) holdInLargePages(*array);
-  holdInLargePages(parents);
+  for (const auto* array : {&parents, &children, &childStart, &constantStart}) holdInLargePages(*array);
   holdInLargePages(constantValues);
 }
 
@@ -66,23 +65,30 @@ void DagFixedFields::initPosInConstraints() {
 
 void DagFixedFields::buildParents() {
   const Level last = nbObjectives();
-  std::vector<std::uint32_t> next(nbNodes, 0);
+  std::vector<std::uint32_t> counts(nbNodes, 0);
   for (NodeId id = 0; id < nbNodes; ++id) {
     if (isSource(nodeTypes[id])) continue;
-    for (const NodeId operand : childrenOf(id)) ++next[operand];
+    for (const NodeId operand : childrenOf(id)) ++counts[operand];
   }
-  runStride = std::size_t{last} + 1;
-  parentRuns.assign(nbNodes * runStride + 1, 0);
-  std::uint32_t total = 0;
+  const std::size_t roomInRow = std::size_t{last} + 2;
+  rowLength = roomInRow + ParentRange::kEntryLength;
+  std::size_t total = nbNodes * rowLength;
+  for (const std::uint32_t count : counts) total += count > 1 ? std::size_t{count} * ParentRange::kEntryLength : 0;
+  if (total > kNone) raise<KernelException>(here<DagFixedFields>(), "The model has too many operands.");
+  parents.assign(total, 0);
+  std::size_t behindRows = nbNodes * rowLength;
   for (NodeId id = 0; id < nbNodes; ++id) {
-    const std::uint32_t count = std::exchange(next[id], total);
-    total += count;
-    parentEnd(last, id) = total;
+    const std::size_t start = counts[id] > 1 ? behindRows : id * rowLength + roomInRow;
+    parentStart(id) = parentEnd(last, id) = static_cast<std::uint32_t>(start);
+    if (counts[id] > 1) behindRows += std::size_t{counts[id]} * ParentRange::kEntryLength;
   }
-  parents.resize(total);
   for (NodeId id = 0; id < nbNodes; ++id) {
     if (isSource(nodeTypes[id])) continue;
-    for (OperandPos p = 0; p < nbChildren[id]; ++p) parents[next[child(id, p)]++] = {id, p};
+    for (OperandPos p = 0; p < nbChildren[id]; ++p) {
+      std::uint32_t& end = parentEnd(last, child(id, p));
+      parents[end++] = id;
+      parents[end++] = p;
+    }
   }
 }
 
@@ -100,7 +106,7 @@ void DagFixedFields::computeRanks() {
   for (std::size_t head = 0; head < queue.size(); ++head) {
     const NodeId id = queue[head];
     visited[id] = true;
-    for (const ParentLink& link : parentsOf(id)) {
+    for (const ParentLink link : parentsOf(id)) {
       nodeRanks[link.parent] = std::max(nodeRanks[link.parent], nodeRanks[id] + 1);
       if (--pending[link.parent] == 0) queue.push_back(link.parent);
     }
@@ -160,16 +166,17 @@ void DagFixedFields::computeLevels() {
 }
 
 void DagFixedFields::sortParentsByLevel() {
+  constexpr std::uint32_t kNext = ParentRange::kEntryLength;
   for (NodeId id = 0; id < nbNodes; ++id) {
-    const std::uint32_t count = parentCount(id);
-    const std::uint32_t start = parentRun(id).start();
-    ParentLink* run = parents.data() + start;
-    std::uint32_t sorted = 0;
+    const std::uint32_t end = parentEnd(nbObjectives(), id);
+    std::uint32_t sorted = parentStart(id);
     for (Level k = 0; k < nbObjectives(); ++k) {
-      for (std::uint32_t i = sorted; i < count; ++i) {
-        if (nodeLevel[run[i].parent] == k) std::swap(run[i], run[sorted++]);
+      for (std::uint32_t i = sorted; i < end; i += kNext) {
+        if (nodeLevel[parents[i]] != k) continue;
+        std::swap_ranges(&parents[i], &parents[i] + kNext, &parents[sorted]);
+        sorted += kNext;
       }
-      parentEnd(k, id) = start + sorted;
+      parentEnd(k, id) = sorted;
     }
   }
 }

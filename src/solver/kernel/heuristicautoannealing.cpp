@@ -22,11 +22,27 @@ void HeuristicAutoAnnealing::setMemorySize(std::uint32_t size) {
   for (auto& ring : recentValues) ring.resize(size, 0.0);
 }
 
+inline Outcome HeuristicAutoAnnealing::verdict(bool evaluated) {
+  Outcome outcome = Outcome::Accepted;
+  if (constraintsDecide(evaluated, outcome)) return outcome;
+  const std::uint32_t i = optimizedObjective;
+  for (std::uint32_t j = 0; j < i; ++j) {
+    if (objectiveDecides(j, outcome)) return outcome;
+  }
+  currentMove->evaluateObjective(i);
+  const t_value best = bestSolution.objectives[i];
+  if (isBetter(dag, i, best)) return Outcome::Improved;
+  if (!isWorse(dag, i, best)) return Outcome::Accepted;
+  const bool accepted = annealing ? acceptByProbability() : !currentMove->isObjectiveWorse(i);
+  return accepted ? Outcome::Accepted : Outcome::Rejected;
+}
+
 void HeuristicAutoAnnealing::iterate() {
   updateAnnealing();
-  const auto outcome = attemptMove();
-  if (!outcome) return;
-  if (*outcome != Outcome::Improved) {
+  if (!buildMove()) return;
+  const Outcome outcome = verdict(evaluateMove());
+  concludeMove(outcome);
+  if (outcome != Outcome::Improved) {
     ++stagnation;
     return;
   }
@@ -58,20 +74,6 @@ void HeuristicAutoAnnealing::updateRecent() {
     recentValues[j][slot] = value;
     recentSums[j] = (recentSums[j] - old) + value;
   }
-}
-
-Outcome HeuristicAutoAnnealing::verdict(bool evaluated) {
-  if (const auto outcome = constraintVerdict(evaluated)) return *outcome;
-  const std::uint32_t i = optimizedObjective;
-  for (std::uint32_t j = 0; j < i; ++j) {
-    if (const auto outcome = objectiveVerdict(j)) return *outcome;
-  }
-  currentMove->evaluateLevel(i + 1);
-  const t_value best = bestSolution.objectives[i];
-  if (isBetter(dag, i, best)) return Outcome::Improved;
-  if (!isWorse(dag, i, best)) return Outcome::Accepted;
-  const bool accepted = annealing ? acceptByProbability() : !currentMove->objectiveWorse(i);
-  return accepted ? Outcome::Accepted : Outcome::Rejected;
 }
 
 bool HeuristicAutoAnnealing::acceptByProbability() {

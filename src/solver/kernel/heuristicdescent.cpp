@@ -2,16 +2,20 @@
 
 namespace quvex {
 
-void HeuristicDescent::iterate() {
-  if (attemptMove() == Outcome::Improved) recordBest();
-}
-
-Outcome HeuristicDescent::verdict(bool evaluated) {
-  if (const auto outcome = constraintVerdict(evaluated)) return *outcome;
+inline Outcome HeuristicDescent::verdict(bool evaluated) const {
+  Outcome outcome = Outcome::Accepted;
+  if (constraintsDecide(evaluated, outcome)) return outcome;
   for (std::uint32_t i = 0; i <= optimizedObjective; ++i) {
-    if (const auto outcome = objectiveVerdict(i)) return *outcome;
+    if (objectiveDecides(i, outcome)) return outcome;
   }
   return Outcome::Accepted;
+}
+
+void HeuristicDescent::iterate() {
+  if (!buildMove()) return;
+  const Outcome outcome = verdict(evaluateMove());
+  concludeMove(outcome);
+  if (outcome == Outcome::Improved) recordBest();
 }
 
 }  // namespace quvex

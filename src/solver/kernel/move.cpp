@@ -5,7 +5,6 @@
 
 #include "api/qvexception.h"
 #include "solver/kernel/node.h"
-#include "solver/kernel/objectivecompare.h"
 
 namespace quvex {
 
@@ -86,7 +85,7 @@ void Move::conclude(Outcome outcome) {
   }
 }
 
-t_value Move::referenceObjective(std::uint32_t i) const { return dag.nodeValue[dag.fixed.objectives[i]]; }
+t_value Move::referenceObjective(std::uint32_t i) const { return committedObjective(i); }
 
 std::uint32_t Move::referenceNbViolated() const {
   return static_cast<std::uint32_t>(dag.propagation.committedNbViolated);
@@ -132,7 +131,7 @@ std::string moveName(std::uint32_t size, std::uint32_t forks, std::string_view w
   return std::to_string(size) + "-" + moveName(forks, word);
 }
 
-void shuffleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out) {
+void sampleDistinct(RandomState& state, std::uint32_t n, std::uint32_t k, std::vector<std::uint32_t>& out) {
   constexpr std::uint32_t kUsualSize = 16;  // twice what the default neighbourhoods ask for
   out.resize(k);
   if (k <= kUsualSize) {

@@ -79,7 +79,7 @@ bool Node::hasChanged(const Dag& dag, NodeId id) const {
 
 void Node::commit(Dag& dag, NodeId id) { dag.nodeValue[id] = dag.tentativeValue[id]; }
 void Node::rollback(Dag& dag, NodeId id) { dag.tentativeValue[id] = dag.nodeValue[id]; }
-void Node::notifyChildChanged(OperandPos, const DagFixedFields&, NodeId) {}
+void Node::notifyChildChanged(Dag&, OperandPos, NodeId) {}
 
 bool Node::pickAnyChange(const Dag& dag, RandomState& state, NodeId& decision, int& delta, NodeId id) {
   const std::uint32_t n = dag.fixed.nbChildren[id];

@@ -18,11 +18,11 @@ constexpr bool holdsConstraints(QueueSlot slot) { return slot % 2 == 0; }
 /// The first slot of rank 1.
 constexpr QueueSlot kFirstInnerSlot = constraintSlot(1);
 
-/// `Node::hasChanged`, without the call where cells compare as they stand.
-bool hasChanged(const Dag& dag, NodeId id) {
-  if (dag.marks[id].changesByCell) [[likely]]
+/// `Node::hasChanged`, without the call where cells compare as they stand. One without parents has nobody to tell.
+bool hasNews(const Dag& dag, const QueueMark& mark, NodeId id) {
+  if (mark.tellKind == TellKind::ByCell) [[likely]]
     return dag.nodeValue[id] != dag.tentativeValue[id];
-  return dag.nodes[id]->hasChanged(dag, id);
+  return mark.tellKind == TellKind::Called && mark.node->hasChanged(dag, id);
 }
 
 }  // namespace
@@ -61,57 +61,35 @@ void Propagation::removeListener(DagListener* listener) {
   if (found != listeners.end()) listeners.erase(found);
 }
 
-/// Whether a decision is no constraint, as nearly all are.
-inline bool Propagation::isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const {
-  return !constraintsAmongDecisions || !fixed.isConstraint(id);
-}
+// What follows runs for every operand that is told; it is laid out so that the usual case falls through.
 
-void Propagation::setTentativeValue(Dag& dag, NodeId id, t_value value) {
-  if (dag.nodeValue[id] == value) return;
-  if (dag.isDirty(id)) return;
-  dag.marks[id].dirtyBit = true;
-  dag.prefetchParents(id);
-  dag.tentativeValue[id] = value;
-  touchedDecisions.push(id);
-  if (!isOrdinaryDecision(dag.fixed, id)) rankQueues[constraintSlot(0)].push(id);
-}
-
-/// A node enters its queue once per move, however many of its operands change.
-inline void Propagation::enqueueParent(const Dag& dag, QueueMark& mark, NodeId id) {
-  if (mark.dirtyBit) return;
-  mark.dirtyBit = true;
-  const QueueSlot slot = mark.slot;
-  if (slot > highestSlot) [[unlikely]]
-    highestSlot = slot;
-  dag.prefetchNode(id);
-  rankQueues[slot].push(id);
-}
-
-/// `Node::notifyChildChanged`, without the call where a log tells how.
-inline void Propagation::noteChange(const Dag& dag, const QueueMark& mark, NodeId id, OperandPos position) {
-  // The most frequent first: a switch would search among the five.
-  if (mark.changeKind == ChangeKind::Bit) {
-    mark.changes->word |= std::uint64_t{1} << position;
-  } else if (mark.changeKind == ChangeKind::Short) {
-    static_cast<ChangeList<std::uint16_t>*>(mark.changes)->push(position);
-  } else if (mark.changeKind == ChangeKind::Long) {
-    static_cast<ChangeList<std::uint32_t>*>(mark.changes)->push(position);
+/// `Node::notifyChildChanged`, without the call where the log is all.
+inline void Propagation::noteChange(Dag& dag, QueueMark& mark, NodeId id, OperandPos position) {
+  if (mark.changeKind == ChangeKind::Bit) [[likely]] {
+    mark.changes.setBit(position);
+  } else if (mark.changeKind == ChangeKind::List) [[likely]] {
+    mark.changes.push(position);
   } else if (mark.changeKind == ChangeKind::Called) {
-    dag.nodes[id]->notifyChildChanged(position, dag.fixed, id);
+    mark.node->notifyChildChanged(dag, position, id);
   }
 }
 
+/// A parent enters its queue once per move, however many of its operands change.
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
-  const DagFixedFields& fixed = dag.fixed;
-  const ParentRun run = fixed.parentRun(id);
-  if (to < optimizedLevel && run.end(to) < run.end(optimizedLevel)) nextDeferredNodes->push(id);
-  const ParentLink* const end = fixed.parents.data() + run.end(to);
-  for (const ParentLink* link = fixed.parents.data() + run.start(from); link != end; ++link) {
-    const auto [parent, childPos] = *link;
+  const ParentRun run = dag.fixed.parentRun(id);
+  if (run.end(to) < run.end(optimizedLevel)) nextDeferredNodes->push(id);
+  QueueSlot highest = highestSlot;
+  for (const auto [parent, childPos] : run.between(from, to)) {
     QueueMark& mark = dag.marks[parent];
-    enqueueParent(dag, mark, parent);
+    if (!mark.dirtyBit) [[likely]] {
+      mark.dirtyBit = true;
+      dag.prefetchNode(parent);
+      highest = std::max(highest, mark.slot);
+      rankQueues[mark.slot].push(parent);
+    }
     noteChange(dag, mark, parent, childPos);
   }
+  highestSlot = highest;
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
@@ -122,24 +100,28 @@ inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
   return true;
 }
 
-/// While every constraint is active, one that is true now was true before the move, so it has not changed. But for one
-/// over doubles that a recomputation from scratch has made false.
+/// While every constraint is active, one that is true now was true before the move, so it has no news. But for one over
+/// doubles that a recomputation from scratch has made false.
 inline bool Propagation::evaluateBarriers(Dag& dag, const RankQueue& queue) {
   for (const NodeId id : queue.list()) {
-    dag.nodes[id]->eval(dag, *this, id);
+    const QueueMark& mark = dag.marks[id];
+    mark.node->eval(dag, *this, id);
     if (dag.tentativeValue[id] == 0) return false;
-    if (dag.nodeValue[id] == 0) [[unlikely]]
-      propagateToParents(dag, id, 0, 0);
+    if (mark.tellKind != TellKind::Never) [[unlikely]] {
+      if (dag.nodeValue[id] == 0) propagateToParents(dag, id, 0, 0);
+    }
   }
   return true;
 }
 
 inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
-  if (constraintsAreBoolean && allConstraintsActive()) return evaluateBarriers(dag, queue);
+  if (constraintsAreBoolean && allConstraintsActive()) [[likely]]
+    return evaluateBarriers(dag, queue);
   for (const NodeId id : queue.list()) {
-    dag.nodes[id]->eval(dag, *this, id);
+    const QueueMark& mark = dag.marks[id];
+    mark.node->eval(dag, *this, id);
     if (!countConstraint(dag, id)) return false;
-    if (hasChanged(dag, id)) propagateToParents(dag, id, 0, 0);
+    if (hasNews(dag, mark, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
 }
@@ -147,15 +129,17 @@ inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queu
 /// A decision that is set has changed, and has nothing to compute.
 inline void Propagation::evaluateDecisions(Dag& dag) {
   for (const NodeId id : touchedDecisions) {
-    if (isOrdinaryDecision(dag.fixed, id)) propagateToParents(dag, id, 0, 0);
+    if (isOrdinaryDecision(dag.fixed, id)) [[likely]]
+      propagateToParents(dag, id, 0, 0);
   }
 }
 
 /// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
 inline void Propagation::evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to) {
   for (const NodeId id : queue.takeFresh()) {
-    dag.nodes[id]->eval(dag, *this, id);
-    if (hasChanged(dag, id)) [[likely]]
+    const QueueMark& mark = dag.marks[id];
+    mark.node->eval(dag, *this, id);
+    if (hasNews(dag, mark, id)) [[likely]]
       propagateToParents(dag, id, from, to);
   }
 }
@@ -169,14 +153,10 @@ void Propagation::nextStage(Level stage) {
 /// Run once per move: after a failure, a second run would tell operands twice.
 bool Propagation::runConstraintStage(Dag& dag) {
   if (broken) return false;
-  broken = !evaluateLevel0(dag);
-  if (broken) return false;
-  nextStage(0);
-  return true;
-}
-
-bool Propagation::evaluateLevel0(Dag& dag) {
-  if (constraintsAmongDecisions && !evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
+  broken = true;  // until the end is reached
+  if (constraintsAmongDecisions) [[unlikely]] {
+    if (!evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
+  }
   evaluateDecisions(dag);
   // The upper end moves while the loop runs.
   for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
@@ -188,15 +168,16 @@ bool Propagation::evaluateLevel0(Dag& dag) {
       return false;
     }
   }
+  broken = false;
+  nextStage(0);
   return true;
 }
 
 /// All stages from the last one done to this one, as one.
 void Propagation::runStage(Dag& dag, Level stage) {
   const Level done = doneLevel;
-  for (const NodeId id : *deferredNodes) {
-    if (hasChanged(dag, id)) propagateToParents(dag, id, done, stage);
-  }
+  // They had news when they were deferred, and none is evaluated twice.
+  for (const NodeId id : *deferredNodes) propagateToParents(dag, id, done, stage);
   // Constraints are all of level 0 and finished.
   for (QueueSlot slot = ordinarySlot(1); slot <= highestSlot; slot += 2) {
     evaluateNodeQueue(dag, rankQueues[slot], done, stage);
@@ -237,29 +218,26 @@ void Propagation::commitDecisions(Dag& dag) {
   }
 }
 
-/// `Node::rollback`, without the call where a log tells how.
-inline void Propagation::rollbackNode(Dag& dag, NodeId id) {
-  QueueMark& mark = dag.marks[id];
-  mark.dirtyBit = false;
-  if (mark.changeKind == ChangeKind::Called) [[unlikely]] {
-    dag.nodes[id]->rollback(dag, id);
-    return;
-  }
-  dag.tentativeValue[id] = dag.nodeValue[id];
-  mark.changes->word = 0;
-}
-
 void Propagation::rollbackAll(Dag& dag) {
-  for (const NodeId id : touchedDecisions) {
-    dag.clearDirty(id);
-    dag.tentativeValue[id] = dag.nodeValue[id];
-  }
-  for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
-    RankQueue& queue = rankQueues[slot];
-    for (const NodeId id : queue.list()) {
-      rollbackNode(dag, id);
+  // Held in locals, since the call in the loop would have them read anew each time.
+  QueueMark* const marks = dag.marks.data();
+  t_value* const tentative = dag.tentativeValue.data();
+  const t_value* const committed = dag.nodeValue.data();
+  for (const NodeId id : touchedDecisions) tentative[id] = committed[id];
+  RankQueue* const last = rankQueues.data() + highestSlot;
+  for (RankQueue* queue = rankQueues.data() + kFirstInnerSlot; queue <= last; ++queue) {
+    for (const NodeId id : queue->list()) {
+      QueueMark& mark = marks[id];
+      mark.dirtyBit = false;
+      // `Node::rollback`, without the call where the log is all.
+      if (mark.changeKind == ChangeKind::Called) [[unlikely]] {
+        mark.node->rollback(dag, id);
+      } else {
+        tentative[id] = committed[id];
+        mark.changes.word = 0;
+      }
     }
-    queue.clear();
+    queue->clear();
   }
   endMove();
   tentativeNbViolated = committedNbViolated;
@@ -270,8 +248,7 @@ void Propagation::endMove() {
   rankQueues[constraintSlot(0)].clear();
   highestSlot = 0;
   touchedDecisions.clear();
-  deferredNodes->clear();
-  nextDeferredNodes->clear();  // a stage 0 that failed has left entries here too
+  for (NodeList& list : deferredLists) list.clear();  // a stage 0 that failed has left entries in the next one too
   broken = false;
   doneLevel = 0;
 }
@@ -279,7 +256,7 @@ void Propagation::endMove() {
 void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
   dag.clearDirty(id);
-  dag.nodes[id]->commit(dag, id);
+  dag.marks[id].node->commit(dag, id);
 }
 
 void Propagation::commitConstraint(const Dag& dag, NodeId id) {
@@ -299,7 +276,7 @@ void Propagation::noteLagging(const Dag& dag, NodeId id) {
   if (optimizedLevel == fixed.nbObjectives()) return;
   if (fixed.parentCountByLevel(optimizedLevel, id) == fixed.parentCount(id)) return;
   if (!laggingNodes.contains(id)) {
-    if (!hasChanged(dag, id)) return;
+    if (!hasNews(dag, dag.marks[id], id)) return;
     laggingNodes.add(id);
     laggingValues[id] = dag.nodeValue[id];
     return;

@@ -58,9 +58,7 @@ void DynamicConstraintNode::spread(NodeId self, Value oldValue, Value newValue, 
     }
   }
   // The kernel's own runs, without a copy for the tree: an evaluation has just read them or will do so soon.
-  const ParentRun run = fixed.parentRun(self);
-  const std::span<const ParentLink> parents{fixed.parents.data() + run.start(), run.end(0) - run.start()};
-  for (const ParentLink& link : parents) {
+  for (const ParentLink link : fixed.parentRun(self).between(0, 0)) {
     if (DynamicConstraintNode* parent = structure.dynamicNodeOf(link.parent)) tell(*parent, link.childPos);
   }
 }

@@ -106,7 +106,7 @@ class TreeMembers {
   /// On the way down, parents before operands.
   [[nodiscard]] bool servesConstraint(NodeId id) const {
     return fixed.isConstraint(id) ||
-           std::ranges::any_of(fixed.parentsOf(id), [&](const ParentLink& link) { return bits[link.parent]; });
+           std::ranges::any_of(fixed.parentsOf(id), [&](ParentLink link) { return bits[link.parent]; });
   }
 };
 

@@ -21,7 +21,7 @@ bool isCandidate(const DagFixedFields& fixed, NodeId id) {
 /// Whether an integer equality constraint holds the sum. An equality of doubles has a tolerance, and an equality that
 /// is no constraint may break: neither ties the sum.
 bool isTied(const DagFixedFields& fixed, NodeId sum) {
-  return std::ranges::any_of(fixed.parentsOf(sum), [&](const ParentLink& link) {
+  return std::ranges::any_of(fixed.parentsOf(sum), [&](ParentLink link) {
     return fixed.isConstraint(link.parent) && fixed.nodeTypes[link.parent] == NodeType::Eq;
   });
 }

@@ -29,9 +29,9 @@ StaticIndex MoveBinPacking::targetedStart() {
   DynamicConstraintNode* top = structure.dynamicBooleanOf(target);
   if (top == nullptr) return kNone;
   for (;;) {
-    const std::span<const ParentLink> parents = dag.fixed.parentsOf(top->staticNode().nodeId);
+    const ParentRange parents = dag.fixed.parentsOf(top->staticNode().nodeId);
     if (parents.empty()) break;
-    const ParentLink& link = parents[rand(randomState, static_cast<std::uint32_t>(parents.size()))];
+    const ParentLink link = parents[rand(randomState, parents.size())];
     DynamicConstraintNode* parent = structure.dynamicNodeOf(link.parent);
     if (parent == nullptr) break;
     top = parent;

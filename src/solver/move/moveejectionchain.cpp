@@ -28,10 +28,10 @@ void MoveEjectionChain::targetedStart() {
   if (decision == nullptr) return;
   decision->flip(randomState, true);
 
-  const std::span<const ParentLink> parents = dag.fixed.parentsOf(target);
+  const ParentRange parents = dag.fixed.parentsOf(target);
   if (parents.empty()) return;
   for (std::uint32_t i = 1; i < repair.maxFlips; ++i) {
-    const ParentLink& link = parents[rand(randomState, static_cast<std::uint32_t>(parents.size()))];
+    const ParentLink link = parents[rand(randomState, parents.size())];
     if (DynamicConstraintNode* parent = structure.dynamicNodeOf(link.parent)) parent->flip(randomState, true);
   }
 }

@@ -19,6 +19,10 @@ bool MoveKFlip::apply() {
 
   const NodeId target = drawTarget(targetingRate);
   const bool hasTarget = target != kNone && structures.membershipOf(target).isFree();
+  if (k == 1) {
+    dag.flip(hasTarget ? target : structures.freeDecisions[rand(randomState, n)]);
+    return true;
+  }
   resizeSample(hasTarget, n);
   if (hasTarget) dag.flip(target);
   // The target may be drawn once more: its second change is ignored, and the attempt changes one decision fewer.

@@ -14,10 +14,18 @@ bool MoveSimpleKFlip::apply() {
   if (k > n) return false;
 
   const NodeId target = drawTarget(targetingRate);
-  resizeSample(target != kNone, n);
+  if (k == 1) {  // by far the most frequent size needs no sample
+    dag.flip(target != kNone ? target : dag.fixed.decisionList[rand(randomState, n)]);
+  } else {
+    flipSample(target, n);
+  }
+  return true;
+}
+
+void MoveSimpleKFlip::flipSample(NodeId target, std::uint32_t n) {
+  sampleDistinct(randomState, n, target != kNone ? k - 1 : k, sample);
   if (target != kNone) dag.flip(target);
   for (const std::uint32_t position : sample) dag.flip(dag.fixed.decisionList[position]);
-  return true;
 }
 
 }  // namespace quvex

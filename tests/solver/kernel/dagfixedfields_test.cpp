@@ -14,7 +14,7 @@ namespace {
 
 std::vector<NodeId> parentIds(const DagFixedFields& fixed, NodeId id) {
   std::vector<NodeId> ids;
-  for (const ParentLink& link : fixed.parentsOf(id)) ids.push_back(link.parent);
+  for (const ParentLink link : fixed.parentsOf(id)) ids.push_back(link.parent);
   return ids;
 }
 

@@ -20,7 +20,7 @@ std::size_t nbQueued(const Dag& dag) {
 bool isClean(const Dag& dag) {
   for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
     if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
-    if (dag.marks[id].changes->word != 0) return false;
+    if (dag.marks[id].changes.word != 0) return false;
   }
   const Propagation& propagation = dag.propagation;
   return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
@@ -79,10 +79,10 @@ TEST(Propagation, NotesChangesInLogsOfEveryKind) {
   };
   for (const auto& [nbOperands, type, kind] : {Case{3, NodeType::Xor, ChangeKind::Bit},
                                                {64, NodeType::Max, ChangeKind::Bit},
-                                               {100, NodeType::Sum, ChangeKind::Short},
+                                               {100, NodeType::Sum, ChangeKind::List},
                                                {100, NodeType::Max, ChangeKind::Called},
-                                               {2000, NodeType::Sum, ChangeKind::Short},
-                                               {70000, NodeType::Sum, ChangeKind::Long},
+                                               {2000, NodeType::Sum, ChangeKind::List},
+                                               {70000, NodeType::Sum, ChangeKind::List},
                                                {70000, NodeType::Max, ChangeKind::Called}}) {
     GraphBuilder graph;
     const std::vector<NodeId> x = graph.booleans(nbOperands);
@@ -96,7 +96,7 @@ TEST(Propagation, NotesChangesInLogsOfEveryKind) {
       const t_value before = dag.nodeValue[above];
       for (const std::uint32_t p : {nbOperands - 1, 1U, 0U}) dag.flip(x[p]);
       ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-      EXPECT_NE(dag.marks[top].changes->word, 0U) << nbOperands;
+      EXPECT_NE(dag.marks[top].changes.word, 0U) << nbOperands;
       EXPECT_NE(dag.tentativeValue[above], before) << nbOperands;
       if (kept) {
         dag.propagation.commitAll(dag);
@@ -143,7 +143,7 @@ TEST(Propagation, TellsOperandsOnceInTheMoveBehindABrokenConstraint) {
   dag.propagation.rollbackAll(dag);
   dag.flip(x[1]);
   ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-  EXPECT_EQ(dag.marks[sum].changes->word, 1U) << "nothing is left of the move before";
+  EXPECT_EQ(dag.marks[sum].changes.word, 1U) << "nothing is left of the move before";
   dag.propagation.commitAll(dag);
   EXPECT_TRUE(isWholeGraphInit(dag));
 }
@@ -159,7 +159,7 @@ TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
   for (const NodeId id : x) dag.flip(id);
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
-  EXPECT_EQ(dag.marks[sum].changes->word, 100U) << "no operand is told twice";
+  EXPECT_EQ(dag.marks[sum].changes.word, 100U) << "no operand is told twice";
   dag.propagation.rollbackAll(dag);
   EXPECT_TRUE(isClean(dag));
   dag.flip(x[1]);

@@ -179,7 +179,7 @@ TEST(MoveEjectionChain, StartsFromATargetAndItsParents) {
     NodeId target = kNone;
     ASSERT_TRUE(pickTarget(dag, expected, target));
     const auto parents = dag.fixed.parentsOf(target);
-    const NodeId parent = parents[rand(expected, static_cast<std::uint32_t>(parents.size()))].parent;
+    const NodeId parent = parents[rand(expected, parents.size())].parent;
     Ids flips = {target};
     if (parent == any) {
       // The "or" is true by now, so it lowers its only true operand, which can't be flipped again.

@@ -129,7 +129,7 @@ TEST(MoveSimpleKFlip, LeavesNothingDirtyBetweenAttempts) {
     ASSERT_TRUE(move.apply());
     EXPECT_TRUE(move.evaluate());
     move.conclude(outcome);
-    EXPECT_TRUE(std::ranges::none_of(x, [&](NodeId id) { return dag.isDirty(id); }));
+    EXPECT_TRUE(std::ranges::none_of(x, [&](NodeId id) { return dag.isSet(id); }));
     EXPECT_TRUE(touched(dag).empty());
   }
 }

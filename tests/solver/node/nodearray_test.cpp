@@ -14,14 +14,14 @@ TEST(NodeArrayTemplate, HasChangedAsSoonAsOneElementHas) {
   Dag& dag = graph.build();
   Node& node = *dag.nodes[array];
   EXPECT_FALSE(node.hasChanged(dag, array));
-  node.notifyChildChanged(1, graph.fixed, array);
+  node.notifyChildChanged(dag, 1, array);
   EXPECT_TRUE(node.hasChanged(dag, array));
   node.commit(dag, array);
   EXPECT_FALSE(node.hasChanged(dag, array));
-  node.notifyChildChanged(2, graph.fixed, array);
+  node.notifyChildChanged(dag, 2, array);
   node.rollback(dag, array);
   EXPECT_FALSE(node.hasChanged(dag, array));
-  node.notifyChildChanged(0, graph.fixed, array);
+  node.notifyChildChanged(dag, 0, array);
   node.init(dag, array);
   EXPECT_FALSE(node.hasChanged(dag, array));
 }
