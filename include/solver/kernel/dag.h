@@ -18,11 +18,11 @@ class Node;
 enum class TellKind : std::uint8_t {
   Never,   ///< it has none
   ByCell,  ///< if its two cells differ as words
-  Called,  ///< if `Node::hasChanged`
+  Asked,   ///< if `Node::hasChanged`
 };
 
 /// What the evaluation driver reads and writes of a node in every move, half a cache line.
-struct alignas(32) QueueMark {
+struct alignas(32) NodeRecord {
   ChangeLog changes;
   Node* node = nullptr;
   QueueSlot slot = 0;     ///< the queue that it belongs to
@@ -30,20 +30,20 @@ struct alignas(32) QueueMark {
   TellKind tellKind = TellKind::Never;
   ChangeKind changeKind = ChangeKind::None;  ///< how `changes` is written
 };
-static_assert(sizeof(QueueMark) == 32);
+static_assert(sizeof(NodeRecord) == 32);
 
 /// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
 /// driver. Two `Dag`s may exchange solutions exactly when their `fixed` is the same object.
 ///
-/// Invariant between moves: `tentativeValue` equals `nodeValue` and all dirty bits are clear.
+/// Invariant between moves: `tentativeValue` equals `nodeValue`, all dirty bits are clear and all logs are empty.
 class Dag {
  public:
   static constexpr const char* kName = "quvex::Dag";
 
   const DagFixedFields& fixed;
   Propagation propagation;
-  std::vector<Node*> nodes;      ///< by id, owned, memory from the pool
-  std::vector<QueueMark> marks;  ///< by id
+  std::vector<Node*> nodes;         ///< by id, owned, memory from the pool; the same stand in `records`
+  std::vector<NodeRecord> records;  ///< by id
   std::vector<t_value> nodeValue;
   std::vector<t_value> tentativeValue;
   bool initialized = false;
@@ -65,12 +65,12 @@ class Dag {
   void printStats() const;
 
   /// Whether an operator is queued in the current move.
-  [[nodiscard]] bool isDirty(NodeId id) const { return marks[id].dirtyBit; }
+  [[nodiscard]] bool isDirty(NodeId id) const { return records[id].dirtyBit; }
   /// Whether the current move has set a decision: never to its committed value, so that its cells tell.
   [[nodiscard]] bool isSet(NodeId decision) const { return nodeValue[decision] != tentativeValue[decision]; }
-  void clearDirty(NodeId id) { marks[id].dirtyBit = false; }
-  [[nodiscard]] ChangeLog& changes(NodeId id) { return marks[id].changes; }
-  [[nodiscard]] const ChangeLog& changes(NodeId id) const { return marks[id].changes; }
+  void clearDirty(NodeId id) { records[id].dirtyBit = false; }
+  [[nodiscard]] ChangeLog& changes(NodeId id) { return records[id].changes; }
+  [[nodiscard]] const ChangeLog& changes(NodeId id) const { return records[id].changes; }
 
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
 

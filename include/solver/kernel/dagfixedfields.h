@@ -80,7 +80,8 @@ class DagFixedFields {
   void addConstraint(NodeId id) { constraints.push_back(id); }
 
   /// Completes the description: parents, ranks, domains, bounds, decision order, levels.
-  /// Raises when a constraint is listed twice, a node can't be reached from the sources, or a bound has no value.
+  /// Raises when a constraint is listed twice, a node can't be reached from the sources, a bound has no value, or the
+  /// parents don't fit into 2^32 words: two for each operand, and four more than there are objectives for each node.
   void init();
 
   [[nodiscard]] std::uint32_t nbObjectives() const { return static_cast<std::uint32_t>(objectives.size()); }
@@ -128,7 +129,7 @@ class DagFixedFields {
 
  private:
   /// First a row per node, with the place of its first parent, those behind its last one of each level, and room for
-  /// one parent: most nodes have no more, and telling it costs one cache line. Then the parents of all others.
+  /// one parent: most nodes have no more, and telling it mostly costs one cache line. Then the parents of all others.
   std::vector<std::uint32_t> parents;
   std::size_t rowLength = 0;
 

@@ -77,17 +77,19 @@ class Heuristic {
 
   /// Seconds of the wall clock since `startTime`.
   [[nodiscard]] std::int64_t elapsedSeconds() const;
-  // The four steps of an iteration.
+
+  // The steps of an iteration; the concrete class puts its verdict between the second and the last.
   /// Draws a move and builds it. One that can't be built has ended.
   [[nodiscard]] bool buildMove();
   /// Runs stage 0 of the current move. False if a hard constraint broke.
   [[nodiscard]] bool evaluateMove() { return currentMove->evaluateConstraints(); }
-  /// (The verdict is the concrete class's.) Whether constraints alone give it, of a move so evaluated.
+  /// Whether the constraints alone give the verdict. If not, `outcome` means nothing.
   [[nodiscard]] bool constraintsDecide(bool evaluated, Outcome& outcome) const;
-  /// Evaluates objective `i` and compares it with the move's reference. False on a tie.
+  /// Evaluates objective `i` and compares it with the move's reference. False on a tie, and `outcome` means nothing.
   [[nodiscard]] bool objectiveDecides(std::uint32_t i, Outcome& outcome) const;
   /// Ends the current move.
   void concludeMove(Outcome outcome);
+
   void recordBest();
 
  private:

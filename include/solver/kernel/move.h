@@ -30,6 +30,7 @@ enum class Outcome : std::uint32_t {
 ///
 /// For those who derive: `apply` returns false at a dead end and leaves what it has set, `conclude` undoes it; it
 /// allocates nothing once its buffers have grown; it draws exactly what its rule says, also when the result is unused.
+/// A move that overrides an operation of the judgement other than `conclude` clears `judgedByCommitted`.
 class Move {
  public:
   static constexpr const char* kName = "quvex::Move";
@@ -103,7 +104,7 @@ class Move {
  protected:
   Dag& dag;
   RandomState& randomState;
-  bool judgedByCommitted = true;  ///< false in a move that overrides the reference, or how it is evaluated
+  bool judgedByCommitted = true;  ///< false in a move that overrides the reference, how it is evaluated or compared
 
   void countOutcome(Outcome outcome);
 

@@ -12,7 +12,7 @@ class Propagation;
 
 /// The behaviour of one vertex of the kernel graph. A node owns no value: cells live in the `Dag`, structure in
 /// `DagFixedFields`, so every operation takes both with the node's own id. Aggregates own small sets of operand
-/// positions, nothing else.
+/// positions, nothing else; the operands changed in the current move stand in a log of the `Dag`.
 ///
 /// Invariant between moves: `tentativeValue` equals `nodeValue`, and every set of changes is empty.
 ///

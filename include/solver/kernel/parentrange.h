@@ -48,7 +48,9 @@ class ParentRange {
   [[nodiscard]] Iterator end() const { return Iterator(last); }
   [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(last - first) / kEntryLength; }
   [[nodiscard]] bool empty() const { return first == last; }
-  [[nodiscard]] ParentLink operator[](std::uint32_t i) const { return {first[2 * i], first[2 * i + 1]}; }
+  [[nodiscard]] ParentLink operator[](std::uint32_t i) const {
+    return *Iterator(first + std::size_t{kEntryLength} * i);
+  }
 
  private:
   const std::uint32_t* first;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <cassert>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -14,7 +16,7 @@
 namespace quvex {
 
 class Dag;
-struct QueueMark;
+struct NodeRecord;
 
 /// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
 /// entries need no sorting among themselves, so a plain list beats a heap.
@@ -34,7 +36,7 @@ class RankQueue {
   void clear() { nbEntries = cursor = 0; }
 
  private:
-  NodeId* entries;  ///< room for every node of the slot: the dirty bit lets a node in only once
+  NodeId* entries;  ///< room for every node of the slot: none is let in twice in a move
   std::uint32_t nbEntries = 0;
   std::uint32_t cursor = 0;
 };
@@ -78,10 +80,12 @@ class Propagation {
   /// Allowed only before `evaluateConstraints`.
   void setTentativeValue(Dag& dag, NodeId id, t_value value);
   /// Stage 0. False if an active constraint broke: only `rollbackAll` may follow.
+  /// The same again for a stage 0 that has failed or raised in this move.
   [[nodiscard]] bool evaluateConstraints(Dag& dag) { return doneLevel != 0 || runConstraintStage(dag); }
   /// Stages up to `stage`, after stage 0. Returns at once for a stage already done. Stages beyond `optimizedLevel` are
   /// reached one by one.
   [[nodiscard]] bool evaluateUpTo(Dag& dag, Level stage) {
+    assert(stage <= std::max(optimizedLevel, doneLevel));
     if (stage >= doneLevel) runStage(dag, stage);
     return true;
   }
@@ -118,7 +122,7 @@ class Propagation {
   std::vector<RankQueue> rankQueues;  ///< by slot
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
   QueueSlot highestSlot = 0;          ///< no node is queued above
-  bool broken = false;                ///< stage 0 of the current move has failed
+  bool broken = false;                ///< stage 0 of the current move has failed or raised
   bool constraintsAmongDecisions = false;
   bool constraintsAreBoolean = true;
   std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
@@ -131,7 +135,7 @@ class Propagation {
   [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const {
     return !constraintsAmongDecisions || !fixed.isConstraint(id);
   }
-  void noteChange(Dag& dag, QueueMark& mark, NodeId id, OperandPos position);
+  void noteChange(Dag& dag, NodeRecord& record, NodeId id, OperandPos position);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
   [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
   [[nodiscard]] bool evaluateBarriers(Dag& dag, const RankQueue& queue);

@@ -21,6 +21,7 @@ class AggregateNode : public Inner {
  public:
   explicit AggregateNode(std::uint32_t nbOperands) : changeFlags(nbOperands) {}
 
+  // The evaluation driver does these two by itself, but for a kind of changes that is `Called`.
   void rollback(Dag& dag, NodeId id) final {
     dag.tentativeValue[id] = dag.nodeValue[id];
     clearChanges(dag, id);

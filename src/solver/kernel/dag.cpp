@@ -43,7 +43,7 @@ constexpr std::array<NodeMaker, kNbNodeTypes> kMakers = {{
 
 Dag::Dag(const DagFixedFields& fixedFields)
     : fixed(fixedFields),
-      marks(fixedFields.nbNodes),
+      records(fixedFields.nbNodes),
       nodeValue(fixedFields.nbNodes, 0),
       tentativeValue(fixedFields.nbNodes, 0),
       liesInNearCaches(fixedFields.nbNodes < kNodesInNearCaches) {
@@ -77,12 +77,12 @@ void Dag::init() {
   }
   if (fixed.objectives.empty()) raise<KernelException>(here<Dag>(), "No objective.");
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    marks[id].slot = fixed.slotOf(id);
-    marks[id].tellKind = tellKindOf(id);
+    records[id].slot = fixed.slotOf(id);
+    records[id].tellKind = tellKindOf(id);
   }
   for (const auto* cells : {&nodeValue, &tentativeValue}) holdInLargePages(*cells);
   holdInLargePages(nodes);
-  holdInLargePages(marks);
+  holdInLargePages(records);
   holdInLargePages(listRoom);
   reinitAllNodes();
   initialized = true;
@@ -91,22 +91,22 @@ void Dag::init() {
 
 TellKind Dag::tellKindOf(NodeId id) const {
   if (fixed.parentCount(id) == 0) return TellKind::Never;
-  return fixed.nodeDomains[id] <= Domain::Integer ? TellKind::ByCell : TellKind::Called;
+  return fixed.nodeDomains[id] <= Domain::Integer ? TellKind::ByCell : TellKind::Asked;
 }
 
 void Dag::bindLogs() {
   const auto needsList = [](ChangeKind kind) { return kind == ChangeKind::List || kind == ChangeKind::Called; };
   std::size_t length = 0;
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    marks[id].node = nodes[id];
-    marks[id].changeKind = nodes[id]->changeKind();
-    if (needsList(marks[id].changeKind)) length += std::size_t{fixed.nbChildren[id]} + 1;
+    records[id].node = nodes[id];
+    records[id].changeKind = nodes[id]->changeKind();
+    if (needsList(records[id].changeKind)) length += std::size_t{fixed.nbChildren[id]} + 1;
   }
   listRoom.resize(length);
   OperandPos* room = listRoom.data();
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
-    if (!needsList(marks[id].changeKind)) continue;
-    marks[id].changes.items = room;
+    if (!needsList(records[id].changeKind)) continue;
+    records[id].changes.items = room;
     room += fixed.nbChildren[id];
     *room++ = kNone;
   }

@@ -74,7 +74,7 @@ void DagFixedFields::buildParents() {
   rowLength = roomInRow + ParentRange::kEntryLength;
   std::size_t total = nbNodes * rowLength;
   for (const std::uint32_t count : counts) total += count > 1 ? std::size_t{count} * ParentRange::kEntryLength : 0;
-  if (total > kNone) raise<KernelException>(here<DagFixedFields>(), "The model has too many operands.");
+  if (total > kNone) raise<KernelException>(here<DagFixedFields>(), "The model has too many nodes or operands.");
   parents.assign(total, 0);
   std::size_t behindRows = nbNodes * rowLength;
   for (NodeId id = 0; id < nbNodes; ++id) {
@@ -173,7 +173,7 @@ void DagFixedFields::sortParentsByLevel() {
     for (Level k = 0; k < nbObjectives(); ++k) {
       for (std::uint32_t i = sorted; i < end; i += kNext) {
         if (nodeLevel[parents[i]] != k) continue;
-        std::swap_ranges(&parents[i], &parents[i] + kNext, &parents[sorted]);
+        if (i != sorted) std::swap_ranges(&parents[i], &parents[i] + kNext, &parents[sorted]);
         sorted += kNext;
       }
       parentEnd(k, id) = sorted;

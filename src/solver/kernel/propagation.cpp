@@ -19,10 +19,10 @@ constexpr bool holdsConstraints(QueueSlot slot) { return slot % 2 == 0; }
 constexpr QueueSlot kFirstInnerSlot = constraintSlot(1);
 
 /// `Node::hasChanged`, without the call where cells compare as they stand. One without parents has nobody to tell.
-bool hasNews(const Dag& dag, const QueueMark& mark, NodeId id) {
-  if (mark.tellKind == TellKind::ByCell) [[likely]]
+bool hasNews(const Dag& dag, const NodeRecord& record, NodeId id) {
+  if (record.tellKind == TellKind::ByCell) [[likely]]
     return dag.nodeValue[id] != dag.tentativeValue[id];
-  return mark.tellKind == TellKind::Called && mark.node->hasChanged(dag, id);
+  return record.tellKind == TellKind::Asked && record.node->hasChanged(dag, id);
 }
 
 }  // namespace
@@ -64,13 +64,13 @@ void Propagation::removeListener(DagListener* listener) {
 // What follows runs for every operand that is told; it is laid out so that the usual case falls through.
 
 /// `Node::notifyChildChanged`, without the call where the log is all.
-inline void Propagation::noteChange(Dag& dag, QueueMark& mark, NodeId id, OperandPos position) {
-  if (mark.changeKind == ChangeKind::Bit) [[likely]] {
-    mark.changes.setBit(position);
-  } else if (mark.changeKind == ChangeKind::List) [[likely]] {
-    mark.changes.push(position);
-  } else if (mark.changeKind == ChangeKind::Called) {
-    mark.node->notifyChildChanged(dag, position, id);
+inline void Propagation::noteChange(Dag& dag, NodeRecord& record, NodeId id, OperandPos position) {
+  if (record.changeKind == ChangeKind::Bit) [[likely]] {
+    record.changes.setBit(position);
+  } else if (record.changeKind == ChangeKind::List) [[likely]] {
+    record.changes.push(position);
+  } else if (record.changeKind == ChangeKind::Called) {
+    record.node->notifyChildChanged(dag, position, id);
   }
 }
 
@@ -80,14 +80,14 @@ inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Lev
   if (run.end(to) < run.end(optimizedLevel)) nextDeferredNodes->push(id);
   QueueSlot highest = highestSlot;
   for (const auto [parent, childPos] : run.between(from, to)) {
-    QueueMark& mark = dag.marks[parent];
-    if (!mark.dirtyBit) [[likely]] {
-      mark.dirtyBit = true;
+    NodeRecord& record = dag.records[parent];
+    if (!record.dirtyBit) [[likely]] {
+      record.dirtyBit = true;
       dag.prefetchNode(parent);
-      highest = std::max(highest, mark.slot);
-      rankQueues[mark.slot].push(parent);
+      highest = std::max(highest, record.slot);
+      rankQueues[record.slot].push(parent);
     }
-    noteChange(dag, mark, parent, childPos);
+    noteChange(dag, record, parent, childPos);
   }
   highestSlot = highest;
 }
@@ -104,10 +104,10 @@ inline bool Propagation::countConstraint(const Dag& dag, NodeId id) {
 /// doubles that a recomputation from scratch has made false.
 inline bool Propagation::evaluateBarriers(Dag& dag, const RankQueue& queue) {
   for (const NodeId id : queue.list()) {
-    const QueueMark& mark = dag.marks[id];
-    mark.node->eval(dag, *this, id);
+    const NodeRecord& record = dag.records[id];
+    record.node->eval(dag, *this, id);
     if (dag.tentativeValue[id] == 0) return false;
-    if (mark.tellKind != TellKind::Never) [[unlikely]] {
+    if (record.tellKind != TellKind::Never) [[unlikely]] {
       if (dag.nodeValue[id] == 0) propagateToParents(dag, id, 0, 0);
     }
   }
@@ -118,10 +118,10 @@ inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queu
   if (constraintsAreBoolean && allConstraintsActive()) [[likely]]
     return evaluateBarriers(dag, queue);
   for (const NodeId id : queue.list()) {
-    const QueueMark& mark = dag.marks[id];
-    mark.node->eval(dag, *this, id);
+    const NodeRecord& record = dag.records[id];
+    record.node->eval(dag, *this, id);
     if (!countConstraint(dag, id)) return false;
-    if (hasNews(dag, mark, id)) propagateToParents(dag, id, 0, 0);
+    if (hasNews(dag, record, id)) propagateToParents(dag, id, 0, 0);
   }
   return true;
 }
@@ -137,9 +137,9 @@ inline void Propagation::evaluateDecisions(Dag& dag) {
 /// Evaluating a slot queues higher ranks only, so its list stays as it is meanwhile.
 inline void Propagation::evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to) {
   for (const NodeId id : queue.takeFresh()) {
-    const QueueMark& mark = dag.marks[id];
-    mark.node->eval(dag, *this, id);
-    if (hasNews(dag, mark, id)) [[likely]]
+    const NodeRecord& record = dag.records[id];
+    record.node->eval(dag, *this, id);
+    if (hasNews(dag, record, id)) [[likely]]
       propagateToParents(dag, id, from, to);
   }
 }
@@ -220,21 +220,21 @@ void Propagation::commitDecisions(Dag& dag) {
 
 void Propagation::rollbackAll(Dag& dag) {
   // Held in locals, since the call in the loop would have them read anew each time.
-  QueueMark* const marks = dag.marks.data();
+  NodeRecord* const records = dag.records.data();
   t_value* const tentative = dag.tentativeValue.data();
   const t_value* const committed = dag.nodeValue.data();
   for (const NodeId id : touchedDecisions) tentative[id] = committed[id];
   RankQueue* const last = rankQueues.data() + highestSlot;
   for (RankQueue* queue = rankQueues.data() + kFirstInnerSlot; queue <= last; ++queue) {
     for (const NodeId id : queue->list()) {
-      QueueMark& mark = marks[id];
-      mark.dirtyBit = false;
+      NodeRecord& record = records[id];
+      record.dirtyBit = false;
       // `Node::rollback`, without the call where the log is all.
-      if (mark.changeKind == ChangeKind::Called) [[unlikely]] {
-        mark.node->rollback(dag, id);
+      if (record.changeKind == ChangeKind::Called) [[unlikely]] {
+        record.node->rollback(dag, id);
       } else {
         tentative[id] = committed[id];
-        mark.changes.word = 0;
+        record.changes.word = 0;
       }
     }
     queue->clear();
@@ -256,7 +256,7 @@ void Propagation::endMove() {
 void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
   dag.clearDirty(id);
-  dag.marks[id].node->commit(dag, id);
+  dag.records[id].node->commit(dag, id);
 }
 
 void Propagation::commitConstraint(const Dag& dag, NodeId id) {
@@ -276,7 +276,7 @@ void Propagation::noteLagging(const Dag& dag, NodeId id) {
   if (optimizedLevel == fixed.nbObjectives()) return;
   if (fixed.parentCountByLevel(optimizedLevel, id) == fixed.parentCount(id)) return;
   if (!laggingNodes.contains(id)) {
-    if (!hasNews(dag, dag.marks[id], id)) return;
+    if (!hasNews(dag, dag.records[id], id)) return;
     laggingNodes.add(id);
     laggingValues[id] = dag.nodeValue[id];
     return;
@@ -302,7 +302,7 @@ void Propagation::catchUp(Dag& dag) {
   }
   doneLevel = optimizedLevel + 1;
   try {
-    (void)evaluateUpTo(dag, last);
+    runStage(dag, last);
   } catch (...) {
     rollbackAll(dag);
     restoreValues();

@@ -99,6 +99,20 @@ TYPED_TEST(ChangedSetOfAnyType, KnowsItsParityAndWhetherItIsAnotherSet) {
   EXPECT_LT(nbSame, 450);
 }
 
+TYPED_TEST(ChangedSetOfAnyType, IsWalkedInOrderBehindAWalkInAnyOrder) {
+  const std::uint32_t n = std::is_same_v<TypeParam, SubsetBits> ? 1000 : 8;
+  Changes<ChangedSet<TypeParam>> changed(n);
+  TypeParam subset(n);
+  for (const OperandPos p : {n - 1, 2U, 5U, 0U}) {
+    changed.add(p);
+    subset.add(p, n);
+  }
+  OperandPos sum = 0;
+  changed.set().forEachInAnyOrder([&](OperandPos p) { sum += p; });
+  EXPECT_EQ(sum, n + 6);
+  EXPECT_EQ(membersOf(changed.set()), membersOf(subset));
+}
+
 TYPED_TEST(ChangedSetOfAnyType, MayHoldNoPositionAtAll) {
   Changes<ChangedSet<TypeParam>> changed(0);
   changed.clear();

@@ -25,6 +25,22 @@ class ProbeMove : public Move {
   bool apply() override { return change(dag); }
 };
 
+/// A move that has its own idea of everything that it is asked.
+class StubbornMove final : public ProbeMove {
+ public:
+  StubbornMove(std::uint32_t weight, Dag& moveDag, RandomState& state) : ProbeMove(weight, moveDag, state) {
+    judgedByCommitted = false;
+  }
+  std::vector<Level> asked;
+
+  bool evaluateLevel(Level stage) override {
+    asked.push_back(stage);
+    return false;
+  }
+  [[nodiscard]] bool objectiveWorse(std::uint32_t) const override { return true; }
+  [[nodiscard]] bool objectiveBetter(std::uint32_t) const override { return true; }
+};
+
 /// The whole shuffle, with the whole array.
 std::vector<std::uint32_t> shuffled(RandomState& state, std::uint32_t n, std::uint32_t k) {
   std::vector<std::uint32_t> all(n);
@@ -53,6 +69,40 @@ TEST(Move, RefusesADagThatIsNotInitialised) {
   RandomState state = 1;
   EXPECT_EQ(failureOf([&] { ProbeMove move(1, dag, state); }),
             refusal("Move::Move", "Cannot create a move with an unitialized dag"));
+}
+
+TEST(Move, AsksAMoveWithAJudgementOfItsOwn) {
+  SumModel model;
+  model.minimise(model.sum);
+  Dag& dag = model.build();
+  RandomState state = 1;
+  StubbornMove move(1, dag, state);
+  EXPECT_FALSE(move.evaluateConstraints());
+  move.evaluateObjective(0);
+  EXPECT_EQ(move.asked, (std::vector<Level>{0, 1}));
+  EXPECT_EQ(dag.propagation.doneLevel, 0U) << "nothing but the move was asked";
+  EXPECT_TRUE(move.isObjectiveWorse(0));
+  EXPECT_TRUE(move.isObjectiveBetter(0));
+  EXPECT_FALSE(move.leavesConstraintsAlone());
+}
+
+TEST(Move, IsJudgedByTheCommittedStateWithoutOne) {
+  SumModel model;
+  model.minimise(model.sum);
+  Dag& dag = model.build();
+  RandomState state = 1;
+  ProbeMove move(1, dag, state);
+  commitValues(dag, {{model.x[0], 1}});
+  for (const NodeId id : model.x) {
+    dag.flip(id);
+    EXPECT_TRUE(move.evaluateConstraints());
+    move.evaluateObjective(0);
+    EXPECT_EQ(dag.propagation.doneLevel, 2U);
+    EXPECT_EQ(move.isObjectiveBetter(0), id == model.x[0]);
+    EXPECT_EQ(move.isObjectiveWorse(0), id != model.x[0]);
+    EXPECT_TRUE(move.leavesConstraintsAlone());
+    move.conclude(Outcome::Rejected);
+  }
 }
 
 TEST(Move, BuildsNamesFromSizesAndWord) {

@@ -20,7 +20,7 @@ std::size_t nbQueued(const Dag& dag) {
 bool isClean(const Dag& dag) {
   for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
     if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
-    if (dag.marks[id].changes.word != 0) return false;
+    if (dag.records[id].changes.word != 0) return false;
   }
   const Propagation& propagation = dag.propagation;
   return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
@@ -90,13 +90,13 @@ TEST(Propagation, NotesChangesInLogsOfEveryKind) {
     const NodeId above = graph.add(NodeType::Abs, {top});
     graph.minimise(above);
     Dag& dag = graph.build();
-    EXPECT_EQ(dag.marks[top].changeKind, kind) << nbOperands;
-    EXPECT_EQ(dag.marks[above].changeKind, ChangeKind::None);
+    EXPECT_EQ(dag.records[top].changeKind, kind) << nbOperands;
+    EXPECT_EQ(dag.records[above].changeKind, ChangeKind::None);
     for (const bool kept : {false, true, false, true}) {
       const t_value before = dag.nodeValue[above];
       for (const std::uint32_t p : {nbOperands - 1, 1U, 0U}) dag.flip(x[p]);
       ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-      EXPECT_NE(dag.marks[top].changes.word, 0U) << nbOperands;
+      EXPECT_NE(dag.records[top].changes.word, 0U) << nbOperands;
       EXPECT_NE(dag.tentativeValue[above], before) << nbOperands;
       if (kept) {
         dag.propagation.commitAll(dag);
@@ -143,7 +143,7 @@ TEST(Propagation, TellsOperandsOnceInTheMoveBehindABrokenConstraint) {
   dag.propagation.rollbackAll(dag);
   dag.flip(x[1]);
   ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-  EXPECT_EQ(dag.marks[sum].changes.word, 1U) << "nothing is left of the move before";
+  EXPECT_EQ(dag.records[sum].changes.word, 1U) << "nothing is left of the move before";
   dag.propagation.commitAll(dag);
   EXPECT_TRUE(isWholeGraphInit(dag));
 }
@@ -159,7 +159,7 @@ TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
   for (const NodeId id : x) dag.flip(id);
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
-  EXPECT_EQ(dag.marks[sum].changes.word, 100U) << "no operand is told twice";
+  EXPECT_EQ(dag.records[sum].changes.word, 100U) << "no operand is told twice";
   dag.propagation.rollbackAll(dag);
   EXPECT_TRUE(isClean(dag));
   dag.flip(x[1]);
@@ -540,6 +540,100 @@ TEST(Propagation, FindsWrongCountersInItsSelfTest) {
   dag.propagation.activateAllConstraints();
   EXPECT_EQ(failureOf([&] { dag.propagation.check(dag); }),
             refusal("Propagation::check", "Check failed: one or more active constraints are violated"));
+}
+
+TEST(Propagation, StartsAnewBehindAnExceptionOfStage0) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId array = graph.add(NodeType::Array, {graph.constant(5), graph.constant(7)});
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  const NodeId element = graph.add(NodeType::At, {array, graph.add(NodeType::Sum, {x[0], x[1], x[2]})});
+  graph.constraint(graph.add(NodeType::Geq, {element, graph.constant(5)}));
+  graph.constraint(graph.add(NodeType::Geq, {sum, graph.constant(0)}));
+  Dag& dag = graph.build();
+  dag.propagation.activateAllConstraints();
+  for (const OperandPos p : {0U, 1U}) dag.flip(x[p]);
+  EXPECT_TRUE(failureOf([&] { (void)dag.propagation.evaluateConstraints(dag); }).raised());
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag)) << "and does not tell operands twice";
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+  dag.flip(x[0]);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.tentativeValue[element], 7);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, TellsDeferredNodesOfEveryDomainInALaterStage) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId y = graph.boolean();
+  const NodeId array = graph.add(NodeType::Array, {x, y});
+  const NodeId real = graph.add(NodeType::DoubleSum, {x, graph.constantDouble(0.5)});
+  const NodeId near = graph.add(NodeType::At, {array, graph.constant(0)});
+  const NodeId nearReal = graph.add(NodeType::DoubleGt, {real, graph.constantDouble(-1)});
+  const NodeId far = graph.add(NodeType::At, {array, graph.constant(0)});
+  const NodeId farReal = graph.add(NodeType::DoubleSum, {real, graph.constantDouble(1)});
+  graph.constraint(graph.add(NodeType::Geq, {near, graph.constant(0)}));
+  graph.constraint(nearReal);
+  graph.minimise(graph.constant(0));
+  graph.minimise(far);
+  graph.minimise(farReal);
+  Dag& dag = graph.build();
+  dag.flip(x);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.tentativeValue[near], 1);
+  EXPECT_FALSE(dag.isDirty(far));
+  ASSERT_TRUE(dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_FALSE(dag.isDirty(far));
+  EXPECT_FALSE(dag.isDirty(farReal));
+  ASSERT_TRUE(dag.propagation.evaluateUpTo(dag, 2));
+  EXPECT_EQ(dag.tentativeValue[far], 1);
+  EXPECT_FALSE(dag.isDirty(farReal));
+  ASSERT_TRUE(dag.propagation.evaluateUpTo(dag, 3));
+  EXPECT_EQ(dag.tentativeDouble(farReal), 2.5);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, KeepsFullListsOfChangesApart) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(70);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  const NodeId odd = graph.add(NodeType::Xor, x);
+  const NodeId product = graph.add(NodeType::Product, x);
+  graph.minimise(sum);
+  graph.minimise(odd);
+  graph.maximise(product);
+  Dag& dag = graph.build();
+  for (int round = 0; round < 3; ++round) {
+    for (const NodeId id : x) dag.flip(id);
+    ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 3));
+    EXPECT_EQ(dag.tentativeValue[sum], 70);
+    EXPECT_EQ(dag.tentativeValue[product], 1);
+    dag.propagation.rollbackAll(dag);
+    EXPECT_TRUE(isClean(dag));
+  }
+  for (const NodeId id : x) dag.flip(id);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, QueuesADecisionThatIsAConstraintOnce) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  graph.constraint(x);
+  Dag& dag = graph.build();
+  dag.propagation.setTentativeValue(dag, x, 1);
+  dag.propagation.setTentativeValue(dag, x, 1);
+  EXPECT_EQ(dag.propagation.queuedConstraints(0).size(), 1U);
+  EXPECT_EQ(dag.propagation.touchedDecisions.size(), 1U);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.propagation.tentativeNbViolated, 0);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_EQ(dag.propagation.committedNbViolated, 0);
 }
 
 }  // namespace

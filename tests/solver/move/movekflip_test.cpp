@@ -69,6 +69,19 @@ TEST(MoveKFlip, ChangesAllFreeDecisionsWhenThereAreK) {
   EXPECT_EQ(model.state(), stepped(5, 3));
 }
 
+TEST(MoveKFlip, DrawsNothingForTheOnlyFreeDecision) {
+  SearchGraph model;
+  const Ids tied = model.booleans(2);
+  const NodeId open = model.boolean();
+  model.tiedSum(tied, 1);
+  model.maximise(open);
+  Dag& dag = model.start(5);
+  MoveKFlip move(1, 8, 0, *model.structure, dag);
+  ASSERT_TRUE(move.apply());
+  EXPECT_EQ(touched(dag), Ids{open});
+  EXPECT_EQ(model.state(), 5U);
+}
+
 TEST(MoveKFlip, ChangesAFreeTargetAloneAtSize1) {
   FlipModel model;
   model.maximise(model.open[2]);

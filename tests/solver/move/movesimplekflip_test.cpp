@@ -33,6 +33,32 @@ TEST(MoveSimpleKFlip, ChangesKOfAllBooleanDecisions) {
   }
 }
 
+TEST(MoveSimpleKFlip, ChangesTheDrawnDecisionAtSize1) {
+  SearchGraph model;
+  const Ids x = model.booleans(5);
+  Dag& dag = model.start();
+  MoveSimpleKFlip move(1, 1, 0, *model.structure, dag);
+  for (const RandomState seed : someSeeds(20)) {
+    RandomState expected = seed;
+    const NodeId drawn = x[rand(expected, 5)];
+    model.state() = seed;
+    ASSERT_TRUE(move.apply());
+    EXPECT_EQ(touched(dag), Ids{drawn});
+    EXPECT_EQ(model.state(), expected);
+    move.conclude(Outcome::Rejected);
+  }
+}
+
+TEST(MoveSimpleKFlip, DrawsNothingForTheOnlyDecision) {
+  SearchGraph model;
+  const NodeId x = model.boolean();
+  Dag& dag = model.start(5);
+  MoveSimpleKFlip move(1, 1, 0, *model.structure, dag);
+  ASSERT_TRUE(move.apply());
+  EXPECT_EQ(touched(dag), Ids{x});
+  EXPECT_EQ(model.state(), 5U);
+}
+
 TEST(MoveSimpleKFlip, IsNotBuiltWithoutBooleanDecisions) {
   SearchGraph model;
   model.minimise(model.integer());
@@ -119,7 +145,7 @@ TEST(MoveSimpleKFlip, DrawsNoPercentageAtRate0) {
   EXPECT_GT(nbDifferent, 0);
 }
 
-TEST(MoveSimpleKFlip, LeavesNothingDirtyBetweenAttempts) {
+TEST(MoveSimpleKFlip, LeavesNothingSetBetweenAttempts) {
   SearchGraph model;
   const Ids x = model.booleans(3);
   model.minimise(model.booleanSum(x));
