@@ -81,7 +81,6 @@ void Dag::init() {
     records[id].tellKind = tellKindOf(id);
   }
   for (const auto* cells : {&nodeValue, &tentativeValue}) holdInLargePages(*cells);
-  holdInLargePages(nodes);
   holdInLargePages(records);
   holdInLargePages(listRoom);
   reinitAllNodes();
