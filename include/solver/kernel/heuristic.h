@@ -115,15 +115,11 @@ inline bool Heuristic::buildMove() {
 }
 
 inline bool Heuristic::constraintsDecide(bool evaluated, Outcome& outcome) const {
-  if (evaluated && currentMove->leavesConstraintsAlone()) return false;
-  if (!evaluated) {
-    outcome = Outcome::Infeasible;
-    return true;
-  }
-  if (currentMove->constraintsBetter()) {
-    outcome = Outcome::Improved;
-    return true;
-  }
+  outcome = Outcome::Infeasible;
+  if (!evaluated) return true;
+  if (currentMove->leavesConstraintsAlone()) return false;
+  outcome = Outcome::Improved;
+  if (currentMove->constraintsBetter()) return true;
   const bool worse = currentMove->constraintsWorse();
   if (currentMove->referenceNbViolated() != 0) {
     outcome = worse ? Outcome::Rejected : Outcome::Accepted;
