@@ -19,21 +19,24 @@ class AggregateStage : public NodeStage {
   /// Gives an operand a tentative value and tells the operator, if that is a change.
   AggregateStage& move(OperandPos p, double value) {
     setTentative(p, value);
-    if (dag->nodeValue[p] != dag->tentativeValue[p]) node().notifyChildChanged(*dag, p, id);
+    if (dag->nodeValue[p] != dag->tentativeValue[p]) notifyOnly(p);
     return *this;
   }
   /// Tells the operator of a change that is none: what it then reads shows whether it walks.
   AggregateStage& notifyOnly(OperandPos p) {
+    dag->records[id].queuedIn = dag->propagation.moveNumber;
     node().notifyChildChanged(*dag, p, id);
     return *this;
   }
   /// Parents commit before their operands.
   void commit() {
     node().commit(*dag, id);
+    dag->records[id].queuedIn = kNoMove;
     for (OperandPos p = 0; p < fixed.nbChildren[id]; ++p) dag->nodeValue[p] = dag->tentativeValue[p];
   }
   void rollback() {
     node().rollback(*dag, id);
+    dag->records[id].queuedIn = kNoMove;
     for (OperandPos p = 0; p < fixed.nbChildren[id]; ++p) dag->tentativeValue[p] = dag->nodeValue[p];
   }
   /// A whole move of one operand.

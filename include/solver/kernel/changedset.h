@@ -5,7 +5,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "solver/kernel/changelog.h"
+#include "solver/kernel/noderecord.h"
 #include "solver/kernel/subset.h"
 #include "solver/kernel/subsetbits.h"
 #include "solver/kernel/subsetmask.h"
@@ -53,7 +53,9 @@ class ChangedSet {
   explicit ChangedSet(const ChangeLog& changes) : log(changes) {}
   ChangedSet(const ChangeLog& changes, const NoChangeFlags&) : log(changes) {}
 
-  static void add(ChangeLog& log, OperandPos p) { log.push(p); }
+  static void note(NodeRecord& record, OperandPos* allLists, OperandPos p) {
+    record.noteInList(record.changes, allLists, p);
+  }
 
   [[nodiscard]] std::uint32_t size() const { return static_cast<std::uint32_t>(log.word); }
   [[nodiscard]] bool empty() const { return log.word == 0; }
@@ -76,7 +78,7 @@ class ChangedSet {
   }
 
  private:
-  const ChangeLog& log;
+  ChangeLog log;
 
   [[nodiscard]] OperandPos* begin() const { return log.items; }
   [[nodiscard]] OperandPos* end() const { return log.items + log.word; }
@@ -92,7 +94,7 @@ class ChangedSet<SubsetMASK<T>> {
   explicit ChangedSet(const ChangeLog& log) : word(log.word) {}
   ChangedSet(const ChangeLog& log, const NoChangeFlags&) : word(log.word) {}
 
-  static void add(ChangeLog& log, OperandPos p) { log.setBit(p); }
+  static void note(NodeRecord& record, OperandPos*, OperandPos p) { record.noteBit(record.changes, p); }
 
   [[nodiscard]] std::uint32_t size() const { return bits::count(word); }
   [[nodiscard]] bool empty() const { return word == 0; }

@@ -4,38 +4,18 @@
 #include <span>
 #include <vector>
 
-#include "solver/kernel/changelog.h"
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/nodepool.h"
+#include "solver/kernel/noderecord.h"
 #include "solver/kernel/propagation.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
 
-class Node;
-
-/// Whether a node that has been evaluated tells its parents.
-enum class TellKind : std::uint8_t {
-  Never,   ///< it has none
-  ByCell,  ///< if its two cells differ as words
-  Asked,   ///< if `Node::hasChanged`
-};
-
-/// What the evaluation driver reads and writes of a node in every move, half a cache line.
-struct alignas(32) NodeRecord {
-  ChangeLog changes;
-  Node* node = nullptr;
-  QueueSlot slot = 0;     ///< the queue that it belongs to
-  bool dirtyBit = false;  ///< of an operator: set from queueing until commit or rollback
-  TellKind tellKind = TellKind::Never;
-  ChangeKind changeKind = ChangeKind::None;  ///< how `changes` is written
-};
-static_assert(sizeof(NodeRecord) == 32);
-
 /// One thread's mutable state of the compiled model: node objects, committed and tentative cells, and the evaluation
 /// driver. Two `Dag`s may exchange solutions exactly when their `fixed` is the same object.
 ///
-/// Invariant between moves: `tentativeValue` equals `nodeValue`, all dirty bits are clear and all logs are empty.
+/// Invariant between moves: `tentativeValue` equals `nodeValue`, no node is dirty and so none has changes.
 class Dag {
  public:
   static constexpr const char* kName = "quvex::Dag";
@@ -44,6 +24,7 @@ class Dag {
   Propagation propagation;
   std::vector<Node*> nodes;         ///< by id, owned, memory from the pool; the same stand in `records`
   std::vector<NodeRecord> records;  ///< by id
+  OperandPos* allLists = nullptr;   ///< what the lists of changed operands lie in
   std::vector<t_value> nodeValue;
   std::vector<t_value> tentativeValue;
   bool initialized = false;
@@ -65,13 +46,11 @@ class Dag {
   void printStats() const;
 
   /// Whether an operator is queued in the current move.
-  [[nodiscard]] bool isDirty(NodeId id) const { return records[id].dirtyBit; }
+  [[nodiscard]] bool isDirty(NodeId id) const { return records[id].queuedIn == propagation.moveNumber; }
   /// Whether the current move has set a decision: never to its committed value, so that its cells tell.
   [[nodiscard]] bool isSet(NodeId decision) const { return nodeValue[decision] != tentativeValue[decision]; }
-  void clearDirty(NodeId id) { records[id].dirtyBit = false; }
-  [[nodiscard]] ChangeLog& changes(NodeId id) { return records[id].changes; }
-  [[nodiscard]] const ChangeLog& changes(NodeId id) const { return records[id].changes; }
-
+  /// The changed operands of a node that is dirty.
+  [[nodiscard]] ChangeLog changes(NodeId id) const { return {records[id].changes, allLists + records[id].listStart}; }
   [[nodiscard]] NodeId child(NodeId id, OperandPos p) const { return fixed.child(id, p); }
 
   /// Cells read as doubles, whatever the domain.
@@ -97,7 +76,7 @@ class Dag {
   static constexpr std::uint32_t kNodesInNearCaches = 30000;  ///< at some hundred bytes each, all arrays together
 
   NodePool pool;
-  std::vector<OperandPos> listRoom;  ///< what the lists of changes lie in
+  std::vector<OperandPos> listRoom;
   const bool liesInNearCaches;
 
   Node* createNode(NodeId id);

@@ -4,18 +4,13 @@
 #include <span>
 #include <vector>
 
+#include "solver/kernel/noderecord.h"
 #include "solver/kernel/nodetype.h"
 #include "solver/kernel/nodetypeutils.h"
 #include "solver/kernel/parentrange.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
-
-/// The queue of a node during evaluation: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots
-/// are the order of evaluation.
-using QueueSlot = std::uint32_t;
-[[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
-[[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
 /// The parents of one node, sorted by level. Its row in the array of all parents holds where they begin and where those
 /// of each level end, as places in that array.

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "solver/kernel/changelog.h"
 #include "solver/kernel/dagfixedfields.h"
+#include "solver/kernel/noderecord.h"
 #include "solver/kernel/random.h"
 #include "solver/kernel/types.h"
 
@@ -14,11 +14,11 @@ class Propagation;
 /// `DagFixedFields`, so every operation takes both with the node's own id. Aggregates own small sets of operand
 /// positions, nothing else; the operands changed in the current move stand in a log of the `Dag`.
 ///
-/// Invariant between moves: `tentativeValue` equals `nodeValue`, and every set of changes is empty.
+/// Invariant between moves: `tentativeValue` equals `nodeValue`, and no node is dirty, so that its log is void.
 ///
 /// For those who write an operator:
 /// - `eval` reads tentative cells of operands (and committed ones for a difference) and writes one cell, its own
-///   tentative one. It empties nothing and touches no persistent set.
+///   tentative one, and not before all that may raise. It empties nothing and touches no persistent set.
 /// - a position is in `changedNodes` only if that operand's tentative value really differs from its committed one.
 /// - `commit` folds `changedNodes` into the persistent sets, empties it, and copies the cell; `rollback` empties it and
 ///   copies the other way. Parents commit before their operands, so the operands' committed cells are still the old.
@@ -67,7 +67,7 @@ class Node {
   virtual void init(Dag& dag, NodeId id) = 0;
   /// Computes the tentative cell. The only operation that runs during a stage.
   virtual void eval(Dag& dag, Propagation& propagation, NodeId id) = 0;
-  /// Whether the parents have to be told. Doubles compare exactly.
+  /// Whether the parents have to be told, asked of a node that is dirty. Doubles compare exactly.
   [[nodiscard]] virtual bool hasChanged(const Dag& dag, NodeId id) const;
   virtual void commit(Dag& dag, NodeId id);
   virtual void rollback(Dag& dag, NodeId id);

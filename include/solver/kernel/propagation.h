@@ -5,40 +5,44 @@
 #include <cassert>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/daglistener.h"
 #include "solver/kernel/indexedset.h"
 #include "solver/kernel/nodelist.h"
+#include "solver/kernel/noderecord.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
 
 class Dag;
-struct NodeRecord;
 
 /// Node ids queued in the current move at one slot, in arrival order, and how many of them have been evaluated. The
 /// entries need no sorting among themselves, so a plain list beats a heap.
 class RankQueue {
  public:
-  explicit RankQueue(NodeId* room) : entries(room) {}
+  explicit RankQueue(NodeId* room) : first(room), last(room), fresh(room) {}
 
-  void push(NodeId id) { entries[nbEntries++] = id; }
-  [[nodiscard]] std::span<const NodeId> list() const { return {entries, nbEntries}; }
-  [[nodiscard]] bool hasFresh() const { return cursor < nbEntries; }
-  /// What has not been evaluated yet, and counts as evaluated from now on.
-  std::span<const NodeId> takeFresh() {
-    const std::span<const NodeId> fresh = list().subspan(cursor);
-    cursor = nbEntries;
-    return fresh;
+  void push(NodeId id) { *last++ = id; }
+  /// For those who push several in a row and keep the end at hand, so that no entry waits for the one before it to
+  /// have been counted in memory.
+  [[nodiscard]] NodeId* end() const { return last; }
+  NodeId* pushAt(NodeId* end, NodeId id) {
+    *end = id;
+    return last = end + 1;
   }
-  void clear() { nbEntries = cursor = 0; }
+  [[nodiscard]] std::span<const NodeId> list() const { return {first, last}; }
+  [[nodiscard]] bool hasFresh() const { return fresh != last; }
+  /// What has not been evaluated yet, and counts as evaluated from now on.
+  std::span<const NodeId> takeFresh() { return {std::exchange(fresh, last), last}; }
+  void clear() { last = fresh = first; }
 
  private:
-  NodeId* entries;  ///< room for every node of the slot: none is let in twice in a move
-  std::uint32_t nbEntries = 0;
-  std::uint32_t cursor = 0;
+  NodeId* first;  ///< room for every node of the slot: none is let in twice in a move
+  NodeId* last;
+  NodeId* fresh;
 };
 
 /// The evaluation driver of one `Dag`, and its treatment of constraints.
@@ -61,6 +65,7 @@ class Propagation {
   std::int64_t tentativeViolation = 0;  ///< sum of `violation` over inactive constraints
   std::int64_t committedViolation = 0;
   std::uint64_t nbCommits = 0;         ///< moves committed so far
+  MoveNumber moveNumber = kFirstMove;  ///< of the current move, or between moves of the next
   Level doneLevel = 0;                 ///< next stage to run: 0 nothing evaluated, k + 1 stage k is done
   Level optimizedLevel = 0;            ///< last stage that the search cares about
   NodeList touchedDecisions;           ///< in the order of setting
@@ -122,10 +127,13 @@ class Propagation {
   std::vector<RankQueue> rankQueues;  ///< by slot
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
   QueueSlot highestSlot = 0;          ///< no node is queued above
+  NodeList movedBarriers;             ///< constraints evaluated as barriers that have another value now
   bool broken = false;                ///< stage 0 of the current move has failed or raised
   bool constraintsAmongDecisions = false;
-  bool constraintsAreBoolean = true;
-  std::vector<std::uint32_t> repaired;  ///< inactive constraints that the last commit made true
+  bool constraintsCanBeBarriers = true;  ///< all are boolean, and none needs its `Node::rollback`
+  bool constraintsAreBarriers = false;   ///< in the current move's stage 0: all of them are active, too
+  bool nodesKeepChanges = false;         ///< some need their `Node::rollback`
+  std::vector<std::uint32_t> repaired;   ///< inactive constraints that the last commit made true
   std::array<NodeList, 2> deferredLists;
   NodeList* deferredNodes = &deferredLists[0];      ///< changed nodes whose parents at later levels have not been told
   NodeList* nextDeferredNodes = &deferredLists[1];  ///< the same for the stage after the running one
@@ -135,7 +143,6 @@ class Propagation {
   [[nodiscard]] bool isOrdinaryDecision(const DagFixedFields& fixed, NodeId id) const {
     return !constraintsAmongDecisions || !fixed.isConstraint(id);
   }
-  void noteChange(Dag& dag, NodeRecord& record, NodeId id, OperandPos position);
   void propagateToParents(Dag& dag, NodeId id, Level from, Level to);
   [[nodiscard]] bool countConstraint(const Dag& dag, NodeId id);
   [[nodiscard]] bool evaluateBarriers(Dag& dag, const RankQueue& queue);
@@ -143,6 +150,7 @@ class Propagation {
   void evaluateDecisions(Dag& dag);
   void evaluateNodeQueue(Dag& dag, RankQueue& queue, Level from, Level to);
   void initQueues(const DagFixedFields& fixed);
+  void initKinds(const Dag& dag);
   [[nodiscard]] bool runConstraintStage(Dag& dag);
   void runStage(Dag& dag, Level stage);
   void nextStage(Level stage);
@@ -151,7 +159,9 @@ class Propagation {
   void noteLagging(const Dag& dag, NodeId id);
   void commitConstraints(Dag& dag, RankQueue& queue);
   void commitDecisions(Dag& dag);
-  void endMove();
+  void rollbackKeepers(Dag& dag);
+  void endMove(Dag& dag);
+  void restartMoveNumbers(Dag& dag);
 };
 
 }  // namespace quvex

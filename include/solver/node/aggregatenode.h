@@ -11,8 +11,8 @@
 namespace quvex {
 
 /// Base of the operators with any number of operands, over `Inner` by the domain of the result.
-/// Invariant: between moves `changedNodes` is empty; during a move it holds the positions whose operand has a tentative
-/// value that differs from its committed one, each told once.
+/// Invariant: while the node is dirty, `changedNodes` holds the positions whose operand has a tentative value that
+/// differs from its committed one, each told once. Otherwise it is empty, whatever the record says.
 ///
 /// Constructors of the final classes are defined beside their instantiation, so that only that source compiles the
 /// family's code.
@@ -27,7 +27,7 @@ class AggregateNode : public Inner {
     clearChanges(dag, id);
   }
   void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) final {
-    Changes::add(dag.changes(id), position);
+    Changes::note(dag.records[id], dag.allLists, position);
     changeFlags.add(position);
   }
   [[nodiscard]] ChangeKind changeKind() const final { return Changes::kKind; }
@@ -74,7 +74,7 @@ class AggregateNode : public Inner {
   }
   /// The common tests of every `isInit`.
   [[nodiscard]] bool areCellsInit(const Dag& dag, NodeId id) const {
-    return Inner::isInit(dag, id) && changedNodes(dag, id).empty();
+    return Inner::isInit(dag, id) && (!dag.isDirty(id) || changedNodes(dag, id).empty());
   }
 
   static void printFlag(const char* label, bool flag) { std::cout << label << flag << '\n'; }
@@ -84,7 +84,7 @@ class AggregateNode : public Inner {
 
   void clearChanges(Dag& dag, NodeId id) {
     changeFlags.clear(dag.changes(id));
-    dag.changes(id).word = 0;
+    dag.records[id].changes = 0;
   }
 };
 

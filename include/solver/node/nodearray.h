@@ -39,16 +39,16 @@ class NodeArrayTemplate final : public NodeArray {
   explicit NodeArrayTemplate(std::uint32_t) {}
 
   void init(Dag& dag, NodeId id) override { clearChanges(dag, id); }
-  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override { return dag.changes(id).word != 0; }
+  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override { return dag.records[id].changes != 0; }
   void commit(Dag& dag, NodeId id) override { clearChanges(dag, id); }
   void rollback(Dag& dag, NodeId id) override { clearChanges(dag, id); }
   void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) override {
-    ChangedSet<Set>::add(dag.changes(id), position);
+    ChangedSet<Set>::note(dag.records[id], dag.allLists, position);
   }
   [[nodiscard]] ChangeKind changeKind() const override { return ChangedSet<Set>::kKind; }
 
  private:
-  static void clearChanges(Dag& dag, NodeId id) { dag.changes(id).word = 0; }
+  static void clearChanges(Dag& dag, NodeId id) { dag.records[id].changes = 0; }
 };
 
 }  // namespace quvex

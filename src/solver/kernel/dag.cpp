@@ -102,19 +102,20 @@ void Dag::bindLogs() {
     if (needsList(records[id].changeKind)) length += std::size_t{fixed.nbChildren[id]} + 1;
   }
   listRoom.resize(length);
-  OperandPos* room = listRoom.data();
+  allLists = listRoom.data();
+  std::uint32_t next = 0;
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
     if (!needsList(records[id].changeKind)) continue;
-    records[id].changes.items = room;
-    room += fixed.nbChildren[id];
-    *room++ = kNone;
+    records[id].listStart = next;
+    next += fixed.nbChildren[id];
+    listRoom[next++] = kNone;
   }
 }
 
 void Dag::reinitAllNodes() {
   for (const auto& rank : fixed.nodesByRank) {
     for (const NodeId id : rank) {
-      clearDirty(id);
+      records[id].queuedIn = kNoMove;
       nodes[id]->init(*this, id);
     }
   }

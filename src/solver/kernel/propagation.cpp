@@ -25,6 +25,20 @@ bool hasNews(const Dag& dag, const NodeRecord& record, NodeId id) {
   return record.tellKind == TellKind::Asked && record.node->hasChanged(dag, id);
 }
 
+// What follows runs for every operand that is told; it is laid out so that the usual case falls through.
+
+/// `Node::notifyChildChanged`, without the call where the record is all; `before` are the changes so far.
+void noteChange(Dag& dag, NodeRecord& record, std::uint64_t before, NodeId id, OperandPos position) {
+  if (record.changeKind == ChangeKind::Bit) [[likely]] {
+    record.noteBit(before, position);
+  } else if (record.changeKind == ChangeKind::List) [[likely]] {
+    record.noteInList(before, dag.allLists, position);
+  } else if (record.changeKind == ChangeKind::Called) {
+    record.changes = before;
+    record.node->notifyChildChanged(dag, position, id);
+  }
+}
+
 }  // namespace
 
 void Propagation::init(const Dag& dag) {
@@ -34,7 +48,9 @@ void Propagation::init(const Dag& dag) {
   for (NodeList& list : deferredLists) list.reserve(fixed.nbNodes);
   initConstraints(dag);
   initQueues(fixed);
+  initKinds(dag);
   touchedDecisions.reserve(fixed.firstOperator);
+  movedBarriers.reserve(fixed.nbConstraints());
   computeViolation(dag);
   laggingNodes.resize(fixed.nbNodes);
   laggingValues.assign(fixed.nbNodes, 0);
@@ -52,8 +68,15 @@ void Propagation::initQueues(const DagFixedFields& fixed) {
   }
   constraintsAmongDecisions =
       std::ranges::any_of(fixed.constraints, [&](NodeId id) { return fixed.nodeRanks[id] == 0; });
-  constraintsAreBoolean =
-      std::ranges::all_of(fixed.constraints, [&](NodeId id) { return fixed.nodeDomains[id] == Domain::Boolean; });
+}
+
+void Propagation::initKinds(const Dag& dag) {
+  const DagFixedFields& fixed = dag.fixed;
+  const auto keepsChanges = [&](const NodeRecord& record) { return record.changeKind == ChangeKind::Called; };
+  nodesKeepChanges = std::ranges::any_of(dag.records, keepsChanges);
+  constraintsCanBeBarriers = std::ranges::all_of(fixed.constraints, [&](NodeId id) {
+    return fixed.nodeDomains[id] == Domain::Boolean && !keepsChanges(dag.records[id]);
+  });
 }
 
 void Propagation::removeListener(DagListener* listener) {
@@ -61,35 +84,32 @@ void Propagation::removeListener(DagListener* listener) {
   if (found != listeners.end()) listeners.erase(found);
 }
 
-// What follows runs for every operand that is told; it is laid out so that the usual case falls through.
-
-/// `Node::notifyChildChanged`, without the call where the log is all.
-inline void Propagation::noteChange(Dag& dag, NodeRecord& record, NodeId id, OperandPos position) {
-  if (record.changeKind == ChangeKind::Bit) [[likely]] {
-    record.changes.setBit(position);
-  } else if (record.changeKind == ChangeKind::List) [[likely]] {
-    record.changes.push(position);
-  } else if (record.changeKind == ChangeKind::Called) {
-    record.node->notifyChildChanged(dag, position, id);
-  }
-}
-
 /// A parent enters its queue once per move, however many of its operands change.
 inline void Propagation::propagateToParents(Dag& dag, NodeId id, Level from, Level to) {
   const ParentRun run = dag.fixed.parentRun(id);
   if (run.end(to) < run.end(optimizedLevel)) nextDeferredNodes->push(id);
-  QueueSlot highest = highestSlot;
+  const MoveNumber now = moveNumber;
+  // Parents that follow one another mostly share a queue.
+  QueueSlot slot = kNone;
+  RankQueue* queue = nullptr;
+  NodeId* end = nullptr;
   for (const auto [parent, childPos] : run.between(from, to)) {
     NodeRecord& record = dag.records[parent];
-    if (!record.dirtyBit) [[likely]] {
-      record.dirtyBit = true;
+    std::uint64_t before = record.changes;
+    if (record.queuedIn != now) [[likely]] {
+      before = 0;
+      record.queuedIn = now;
       dag.prefetchNode(parent);
-      highest = std::max(highest, record.slot);
-      rankQueues[record.slot].push(parent);
+      if (record.slot != slot) {
+        slot = record.slot;
+        highestSlot = std::max(highestSlot, slot);
+        queue = rankQueues.data() + slot;
+        end = queue->end();
+      }
+      end = queue->pushAt(end, parent);
     }
-    noteChange(dag, record, parent, childPos);
+    noteChange(dag, record, before, parent, childPos);
   }
-  highestSlot = highest;
 }
 
 /// An active constraint that turns false stops the evaluation; an inactive one is counted.
@@ -106,16 +126,20 @@ inline bool Propagation::evaluateBarriers(Dag& dag, const RankQueue& queue) {
   for (const NodeId id : queue.list()) {
     const NodeRecord& record = dag.records[id];
     record.node->eval(dag, *this, id);
-    if (dag.tentativeValue[id] == 0) return false;
-    if (record.tellKind != TellKind::Never) [[unlikely]] {
-      if (dag.nodeValue[id] == 0) propagateToParents(dag, id, 0, 0);
+    if (dag.tentativeValue[id] == 0) {
+      movedBarriers.push(id);
+      return false;
+    }
+    if (dag.nodeValue[id] == 0) [[unlikely]] {
+      movedBarriers.push(id);
+      propagateToParents(dag, id, 0, 0);
     }
   }
   return true;
 }
 
 inline bool Propagation::evaluateConstraintQueue(Dag& dag, const RankQueue& queue) {
-  if (constraintsAreBoolean && allConstraintsActive()) [[likely]]
+  if (constraintsAreBarriers) [[likely]]
     return evaluateBarriers(dag, queue);
   for (const NodeId id : queue.list()) {
     const NodeRecord& record = dag.records[id];
@@ -154,6 +178,7 @@ void Propagation::nextStage(Level stage) {
 bool Propagation::runConstraintStage(Dag& dag) {
   if (broken) return false;
   broken = true;  // until the end is reached
+  constraintsAreBarriers = constraintsCanBeBarriers && allConstraintsActive();
   if (constraintsAmongDecisions) [[unlikely]] {
     if (!evaluateConstraintQueue(dag, rankQueues[constraintSlot(0)])) return false;
   }
@@ -197,7 +222,7 @@ void Propagation::commitAll(Dag& dag) {
     others.clear();
   }
   commitDecisions(dag);
-  endMove();
+  endMove(dag);
   ++nbCommits;
   committedNbViolated = tentativeNbViolated;
   committedViolation = tentativeViolation;
@@ -218,44 +243,58 @@ void Propagation::commitDecisions(Dag& dag) {
   }
 }
 
-void Propagation::rollbackAll(Dag& dag) {
-  // Held in locals, since the call in the loop would have them read anew each time.
-  NodeRecord* const records = dag.records.data();
-  t_value* const tentative = dag.tentativeValue.data();
-  const t_value* const committed = dag.nodeValue.data();
-  for (const NodeId id : touchedDecisions) tentative[id] = committed[id];
-  RankQueue* const last = rankQueues.data() + highestSlot;
-  for (RankQueue* queue = rankQueues.data() + kFirstInnerSlot; queue <= last; ++queue) {
-    for (const NodeId id : queue->list()) {
-      NodeRecord& record = records[id];
-      record.dirtyBit = false;
-      // `Node::rollback`, without the call where the log is all.
-      if (record.changeKind == ChangeKind::Called) [[unlikely]] {
-        record.node->rollback(dag, id);
-      } else {
-        tentative[id] = committed[id];
-        record.changes.word = 0;
-      }
+/// `Node::rollback` where a node keeps more than its changed operands.
+void Propagation::rollbackKeepers(Dag& dag) {
+  for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; ++slot) {
+    for (const NodeId id : rankQueues[slot].list()) {
+      if (dag.records[id].changeKind == ChangeKind::Called) dag.nodes[id]->rollback(dag, id);
     }
-    queue->clear();
   }
-  endMove();
+}
+
+/// What a node has noted of its operands is void with the move's number, so that mostly its cell is all there is to
+/// take back. Barriers have moved none, but for those in their list.
+void Propagation::rollbackAll(Dag& dag) {
+  const auto takeBack = [tentative = dag.tentativeValue.data(), committed = dag.nodeValue.data()](const auto& ids) {
+    for (const NodeId id : ids) tentative[id] = committed[id];
+  };
+  if (nodesKeepChanges) [[unlikely]]
+    rollbackKeepers(dag);
+  takeBack(touchedDecisions);
+  takeBack(movedBarriers);
+  for (QueueSlot slot = kFirstInnerSlot; slot <= highestSlot; slot += 2) {
+    RankQueue& constraints = rankQueues[slot];
+    RankQueue& others = rankQueues[slot + 1];
+    if (!constraintsAreBarriers) takeBack(constraints.list());
+    takeBack(others.list());
+    constraints.clear();
+    others.clear();
+  }
+  endMove(dag);
   tentativeNbViolated = committedNbViolated;
   tentativeViolation = committedViolation;
 }
 
-void Propagation::endMove() {
+/// Numbers are used anew: what an old move has noted would look like the current one's.
+void Propagation::restartMoveNumbers(Dag& dag) {
+  for (NodeRecord& record : dag.records) record.queuedIn = kNoMove;
+  moveNumber = kNoMove + 1;
+}
+
+void Propagation::endMove(Dag& dag) {
   rankQueues[constraintSlot(0)].clear();
   highestSlot = 0;
   touchedDecisions.clear();
+  movedBarriers.clear();
   for (NodeList& list : deferredLists) list.clear();  // a stage 0 that failed has left entries in the next one too
   broken = false;
   doneLevel = 0;
+  if (++moveNumber == kNoMove) [[unlikely]]
+    restartMoveNumbers(dag);
 }
 
 void Propagation::commitNode(Dag& dag, NodeId id) {
   noteLagging(dag, id);
-  dag.clearDirty(id);
   dag.records[id].node->commit(dag, id);
 }
 

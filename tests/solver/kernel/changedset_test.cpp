@@ -14,29 +14,33 @@ std::vector<OperandPos> membersOf(const Set& set) {
   return members;
 }
 
-/// A log with its room and flags, written as a node's is and read through a set.
+/// A record with its list and flags, written as a node's is and read through a set.
 template <class Set>
 class Changes {
  public:
-  explicit Changes(std::uint32_t n) : room(n + 1), flags(n) {
-    room.back() = kNone;
-    log.items = room.data();
+  explicit Changes(std::uint32_t n) : lists(kStart + n + 1), flags(n) {
+    lists.back() = kNone;
+    record.listStart = kStart;
   }
 
   void add(OperandPos p) {
-    Set::add(log, p);
+    Set::note(record, lists.data(), p);
     flags.add(p);
   }
   void clear() {
-    flags.clear(log);
-    log.word = 0;
+    flags.clear(log());
+    record.changes = 0;
   }
-  [[nodiscard]] Set set() const { return Set(log, flags); }
+  [[nodiscard]] Set set() { return Set(log(), flags); }
 
  private:
-  std::vector<OperandPos> room;
-  ChangeLog log;
+  static constexpr std::uint32_t kStart = 3;  ///< others' lists lie before it
+
+  std::vector<OperandPos> lists;
+  NodeRecord record;
   typename Set::Flags flags;
+
+  [[nodiscard]] ChangeLog log() { return {record.changes, lists.data() + record.listStart}; }
 };
 
 template <class Set>

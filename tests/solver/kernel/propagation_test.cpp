@@ -20,7 +20,6 @@ std::size_t nbQueued(const Dag& dag) {
 bool isClean(const Dag& dag) {
   for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
     if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
-    if (dag.records[id].changes.word != 0) return false;
   }
   const Propagation& propagation = dag.propagation;
   return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
@@ -96,7 +95,7 @@ TEST(Propagation, NotesChangesInLogsOfEveryKind) {
       const t_value before = dag.nodeValue[above];
       for (const std::uint32_t p : {nbOperands - 1, 1U, 0U}) dag.flip(x[p]);
       ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-      EXPECT_NE(dag.records[top].changes.word, 0U) << nbOperands;
+      EXPECT_NE(dag.changes(top).word, 0U) << nbOperands;
       EXPECT_NE(dag.tentativeValue[above], before) << nbOperands;
       if (kept) {
         dag.propagation.commitAll(dag);
@@ -143,9 +142,64 @@ TEST(Propagation, TellsOperandsOnceInTheMoveBehindABrokenConstraint) {
   dag.propagation.rollbackAll(dag);
   dag.flip(x[1]);
   ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
-  EXPECT_EQ(dag.records[sum].changes.word, 1U) << "nothing is left of the move before";
+  EXPECT_EQ(dag.changes(sum).word, 1U) << "nothing is left of the move before";
   dag.propagation.commitAll(dag);
   EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, QueuesParentsOfManyRanksInTheOrderOfTelling) {
+  GraphBuilder graph;
+  const NodeId x = graph.boolean();
+  const NodeId y = graph.boolean();
+  const NodeId deep = graph.add(NodeType::Or, {graph.add(NodeType::And, {y, y}), x});
+  const NodeId first = graph.add(NodeType::Or, {x, y});
+  const NodeId constraint = graph.add(NodeType::Or, {x, graph.constant(1)});
+  const NodeId second = graph.add(NodeType::And, {x, y});
+  const NodeId deepToo = graph.add(NodeType::And, {first, x});
+  graph.constraint(constraint);
+  graph.minimise(graph.add(NodeType::Sum, {deep, first, second, deepToo}));
+  Dag& dag = graph.build();
+  dag.flip(x);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  const auto queued = [&](Rank r) {
+    const auto list = dag.propagation.queuedNodes(r);
+    return std::vector<NodeId>(list.begin(), list.end());
+  };
+  EXPECT_EQ(queued(1), (std::vector<NodeId>{first, second}));
+  EXPECT_EQ(queued(2), (std::vector<NodeId>{deep, deepToo}));
+  EXPECT_EQ(dag.propagation.queuedConstraints(1).size(), 1U);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, MovesWhoseNumbersStartAnewSeeNothingOfTheOldOnes) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId sum = graph.add(NodeType::Sum, x);
+  const NodeId wide = graph.add(NodeType::Or, {x[0], x[1]});
+  graph.minimise(graph.add(NodeType::Sum, {sum, wide}));
+  Dag& dag = graph.build();
+  const MoveNumber first = dag.propagation.moveNumber;
+  RandomState state = 3;
+  for (MoveNumber last = kNoMove; last <= dag.propagation.moveNumber;) {
+    last = dag.propagation.moveNumber;
+    dag.flip(x[rand(state, 100)]);
+    dag.flip(x[rand(state, 2)]);
+    ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+    if (coin(state)) {
+      dag.propagation.commitAll(dag);
+    } else {
+      dag.propagation.rollbackAll(dag);
+    }
+    ASSERT_TRUE(isWholeGraphInit(dag));
+  }
+  EXPECT_EQ(dag.propagation.moveNumber, kNoMove + 1) << "no move has the number of none";
+  for (MoveNumber old = first; old != kNoMove; ++old) {
+    dag.propagation.moveNumber = old;
+    EXPECT_FALSE(dag.isDirty(sum)) << old;
+    EXPECT_FALSE(dag.isDirty(wide)) << old;
+  }
 }
 
 TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
@@ -159,7 +213,7 @@ TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
   for (const NodeId id : x) dag.flip(id);
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
   EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
-  EXPECT_EQ(dag.records[sum].changes.word, 100U) << "no operand is told twice";
+  EXPECT_EQ(dag.changes(sum).word, 100U) << "no operand is told twice";
   dag.propagation.rollbackAll(dag);
   EXPECT_TRUE(isClean(dag));
   dag.flip(x[1]);
@@ -232,6 +286,12 @@ TEST(Propagation, TellsTheParentsOfAConstraintThatARecomputationMadeFalse) {
   dag.setOptimizedLevel(1);
   dag.propagation.activateAllConstraints();
   ASSERT_EQ(dag.nodeValue[limit], 0);
+  dag.flip(lower);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
+  EXPECT_EQ(dag.tentativeValue[limit], 1);
+  EXPECT_EQ(dag.tentativeValue[count], 2);
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
   commitValues(dag, {{lower, 1}});
   EXPECT_EQ(dag.nodeValue[limit], 1);
   EXPECT_EQ(dag.nodeValue[count], 2);
