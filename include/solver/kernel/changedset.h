@@ -12,7 +12,7 @@
 
 namespace quvex {
 
-/// What an aggregate keeps of its changes beside their log: nothing, for most.
+/// What an aggregate keeps of its changes beside its record: nothing, for most.
 struct NoChangeFlags {
   explicit NoChangeFlags(std::uint32_t) {}
   void add(OperandPos) {}
@@ -35,7 +35,7 @@ class ChangeFlags {
   std::unique_ptr<std::uint64_t[]> words;
 };
 
-/// The operands changed in one move, as an aggregate with persistent sets of type `Set` sees their log. Each operand is
+/// The operands changed in one move, as an aggregate with persistent sets of type `Set` sees them. Each operand is
 /// told once, so the set only grows during a move and is then emptied: it needs neither removals nor random members,
 /// and what it touches per move does not depend on the operand count. It walks its members in the same order as a `Set`
 /// would: ascending in masks and bits, in order of arrival in permutations. Sums of doubles depend on that order to the

@@ -81,7 +81,7 @@ class Dag {
 
   Node* createNode(NodeId id);
   [[nodiscard]] TellKind tellKindOf(NodeId id) const;
-  void bindLogs();
+  void layOutRecords();
   void destroyNodes();
 };
 

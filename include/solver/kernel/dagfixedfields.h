@@ -4,10 +4,10 @@
 #include <span>
 #include <vector>
 
-#include "solver/kernel/noderecord.h"
 #include "solver/kernel/nodetype.h"
 #include "solver/kernel/nodetypeutils.h"
 #include "solver/kernel/parentrange.h"
+#include "solver/kernel/queueslot.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {

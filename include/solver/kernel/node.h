@@ -12,9 +12,10 @@ class Propagation;
 
 /// The behaviour of one vertex of the kernel graph. A node owns no value: cells live in the `Dag`, structure in
 /// `DagFixedFields`, so every operation takes both with the node's own id. Aggregates own small sets of operand
-/// positions, nothing else; the operands changed in the current move stand in a log of the `Dag`.
+/// positions, nothing else; the operands changed in the current move stand in a record of the `Dag`.
 ///
-/// Invariant between moves: `tentativeValue` equals `nodeValue`, and no node is dirty, so that its log is void.
+/// Invariant between moves: `tentativeValue` equals `nodeValue`, and no node is dirty, so that what its record says of
+/// changes is void.
 ///
 /// For those who write an operator:
 /// - `eval` reads tentative cells of operands (and committed ones for a difference) and writes one cell, its own

@@ -3,17 +3,12 @@
 #include <cassert>
 #include <cstdint>
 
+#include "solver/kernel/queueslot.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
 
 class Node;
-
-/// The queue of a node during evaluation: 2r for the constraints of rank r, 2r + 1 for its other nodes. Ascending slots
-/// are the order of evaluation.
-using QueueSlot = std::uint32_t;
-[[nodiscard]] constexpr QueueSlot constraintSlot(Rank r) { return 2 * r; }
-[[nodiscard]] constexpr QueueSlot ordinarySlot(Rank r) { return 2 * r + 1; }
 
 /// Moves of one `Dag` are numbered, so that what a node notes in a move is void in the next without being wiped out.
 /// 0 is the number of no move.
@@ -41,7 +36,9 @@ enum class ChangeKind : std::uint8_t {
 /// its changed operands. They lie here, not in the node, so that a change is noted where the driver is writing anyway:
 /// that is most of what a move does.
 struct alignas(32) NodeRecord {
-  std::uint64_t changes = 0;  ///< of the move in `queuedIn`: bits, or the length of a list, by `changeKind`
+  /// Of the move in `queuedIn`: bits, or the length of a list, by `changeKind`. Void in the next moves, but 0 where the
+  /// kind is `Called`: what such a node keeps beside its list has to be wiped out with it.
+  std::uint64_t changes = 0;
   Node* node = nullptr;
   MoveNumber queuedIn = kNoMove;  ///< the last move that queued it, for an operator
   QueueSlot slot = 0;             ///< the queue that it belongs to
@@ -61,10 +58,10 @@ struct alignas(32) NodeRecord {
 };
 static_assert(sizeof(NodeRecord) == 32);
 
-/// The changed operands of one node in the current move, as the record has them.
+/// The changed operands of one node that is queued in the current move, as its record has them.
 struct ChangeLog {
   std::uint64_t word;
-  OperandPos* items;  ///< of a list
+  OperandPos* items;  ///< of a list; means nothing for other kinds
 };
 
 }  // namespace quvex

@@ -13,6 +13,7 @@
 #include "solver/kernel/indexedset.h"
 #include "solver/kernel/nodelist.h"
 #include "solver/kernel/noderecord.h"
+#include "solver/kernel/queueslot.h"
 #include "solver/kernel/types.h"
 
 namespace quvex {
@@ -54,8 +55,8 @@ class RankQueue {
 /// Constraints: an active constraint is a hard barrier, its breaking stops the evaluation at once; an inactive one
 /// adds to a count and a sum of violation. A committed count of 0 means feasible.
 ///
-/// Invariant between moves: all queues and dirty bits are clear, `doneLevel` is 0, tentative counters equal committed
-/// ones, and `violatedConstraints` holds the inactive constraints that are false.
+/// Invariant between moves: all queues are clear and no node is dirty, `doneLevel` is 0, tentative counters equal
+/// committed ones, and `violatedConstraints` holds the inactive constraints that are false.
 class Propagation {
  public:
   static constexpr const char* kName = "quvex::Propagation";
@@ -127,10 +128,10 @@ class Propagation {
   std::vector<RankQueue> rankQueues;  ///< by slot
   std::vector<NodeId> queueRoom;      ///< what all queues lie in
   QueueSlot highestSlot = 0;          ///< no node is queued above
-  NodeList movedBarriers;             ///< constraints evaluated as barriers that have another value now
+  NodeList movedBarriers;             ///< constraints evaluated as barriers whose cells may differ now
   bool broken = false;                ///< stage 0 of the current move has failed or raised
   bool constraintsAmongDecisions = false;
-  bool constraintsCanBeBarriers = true;  ///< all are boolean, and none needs its `Node::rollback`
+  bool constraintsCanBeBarriers = true;  ///< all are boolean
   bool constraintsAreBarriers = false;   ///< in the current move's stage 0: all of them are active, too
   bool nodesKeepChanges = false;         ///< some need their `Node::rollback`
   std::vector<std::uint32_t> repaired;   ///< inactive constraints that the last commit made true

@@ -12,7 +12,7 @@ namespace quvex {
 
 /// Base of the operators with any number of operands, over `Inner` by the domain of the result.
 /// Invariant: while the node is dirty, `changedNodes` holds the positions whose operand has a tentative value that
-/// differs from its committed one, each told once. Otherwise it is empty, whatever the record says.
+/// differs from its committed one, each told once. Otherwise there are none, and it must not be asked.
 ///
 /// Constructors of the final classes are defined beside their instantiation, so that only that source compiles the
 /// family's code.

@@ -39,7 +39,9 @@ class NodeArrayTemplate final : public NodeArray {
   explicit NodeArrayTemplate(std::uint32_t) {}
 
   void init(Dag& dag, NodeId id) override { clearChanges(dag, id); }
-  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override { return dag.records[id].changes != 0; }
+  [[nodiscard]] bool hasChanged(const Dag& dag, NodeId id) const override {
+    return dag.isDirty(id) && dag.changes(id).word != 0;
+  }
   void commit(Dag& dag, NodeId id) override { clearChanges(dag, id); }
   void rollback(Dag& dag, NodeId id) override { clearChanges(dag, id); }
   void notifyChildChanged(Dag& dag, OperandPos position, NodeId id) override {

@@ -1,6 +1,7 @@
 #include "solver/kernel/dag.h"
 
 #include <array>
+#include <cassert>
 #include <iostream>
 #include <new>
 #include <type_traits>
@@ -50,7 +51,7 @@ Dag::Dag(const DagFixedFields& fixedFields)
   nodes.reserve(fixed.nbNodes);
   try {
     for (NodeId id = 0; id < fixed.nbNodes; ++id) nodes.push_back(createNode(id));
-    bindLogs();
+    layOutRecords();
   } catch (...) {
     destroyNodes();
     throw;
@@ -93,7 +94,7 @@ TellKind Dag::tellKindOf(NodeId id) const {
   return fixed.nodeDomains[id] <= Domain::Integer ? TellKind::ByCell : TellKind::Asked;
 }
 
-void Dag::bindLogs() {
+void Dag::layOutRecords() {
   const auto needsList = [](ChangeKind kind) { return kind == ChangeKind::List || kind == ChangeKind::Called; };
   std::size_t length = 0;
   for (NodeId id = 0; id < fixed.nbNodes; ++id) {
@@ -101,6 +102,7 @@ void Dag::bindLogs() {
     records[id].changeKind = nodes[id]->changeKind();
     if (needsList(records[id].changeKind)) length += std::size_t{fixed.nbChildren[id]} + 1;
   }
+  assert(length <= kNone);  // `DagFixedFields` sees to it: the parents take more words than the lists
   listRoom.resize(length);
   allLists = listRoom.data();
   std::uint32_t next = 0;
@@ -113,11 +115,9 @@ void Dag::bindLogs() {
 }
 
 void Dag::reinitAllNodes() {
+  assert(propagation.touchedDecisions.empty());  // between moves
   for (const auto& rank : fixed.nodesByRank) {
-    for (const NodeId id : rank) {
-      records[id].queuedIn = kNoMove;
-      nodes[id]->init(*this, id);
-    }
+    for (const NodeId id : rank) nodes[id]->init(*this, id);
   }
   propagation.laggingNodes.clear();
 }

@@ -1,6 +1,7 @@
 #include "solver/kernel/propagation.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 #include "api/qvexception.h"
@@ -34,7 +35,7 @@ void noteChange(Dag& dag, NodeRecord& record, std::uint64_t before, NodeId id, O
   } else if (record.changeKind == ChangeKind::List) [[likely]] {
     record.noteInList(before, dag.allLists, position);
   } else if (record.changeKind == ChangeKind::Called) {
-    record.changes = before;
+    assert(record.changes == before);
     record.node->notifyChildChanged(dag, position, id);
   }
 }
@@ -74,9 +75,11 @@ void Propagation::initKinds(const Dag& dag) {
   const DagFixedFields& fixed = dag.fixed;
   const auto keepsChanges = [&](const NodeRecord& record) { return record.changeKind == ChangeKind::Called; };
   nodesKeepChanges = std::ranges::any_of(dag.records, keepsChanges);
-  constraintsCanBeBarriers = std::ranges::all_of(fixed.constraints, [&](NodeId id) {
-    return fixed.nodeDomains[id] == Domain::Boolean && !keepsChanges(dag.records[id]);
-  });
+  constraintsCanBeBarriers =
+      std::ranges::all_of(fixed.constraints, [&](NodeId id) { return fixed.nodeDomains[id] == Domain::Boolean; });
+  // Only extrema do, whose domain is another: barriers are not rolled back.
+  assert(!constraintsCanBeBarriers ||
+         std::ranges::none_of(fixed.constraints, [&](NodeId id) { return keepsChanges(dag.records[id]); }));
 }
 
 void Propagation::removeListener(DagListener* listener) {

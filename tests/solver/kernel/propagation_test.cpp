@@ -20,11 +20,20 @@ std::size_t nbQueued(const Dag& dag) {
 bool isClean(const Dag& dag) {
   for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) {
     if (dag.isDirty(id) || dag.nodeValue[id] != dag.tentativeValue[id]) return false;
+    if (dag.records[id].changeKind == ChangeKind::Called && dag.records[id].changes != 0) return false;
   }
   const Propagation& propagation = dag.propagation;
   return nbQueued(dag) == 0 && propagation.touchedDecisions.empty() && propagation.currentDeferredNodes().empty() &&
          propagation.doneLevel == 0 && propagation.tentativeNbViolated == propagation.committedNbViolated &&
          propagation.tentativeViolation == propagation.committedViolation;
+}
+
+/// The highest of the first two operands' 5 and 3 and the others' 1.
+NodeId addHighest(GraphBuilder& graph, const std::vector<NodeId>& x) {
+  std::vector<t_value> coefficients(x.size(), 1);
+  coefficients[0] = 5;
+  coefficients[1] = 3;
+  return graph.add(NodeType::ScalarMax, x, coefficients);
 }
 
 TEST(Propagation, QueuesNothingForTheCommittedValue) {
@@ -112,10 +121,7 @@ TEST(Propagation, NotesChangesInLogsOfEveryKind) {
 TEST(Propagation, RollsBackChangesThatAnExtremumLooksUp) {
   GraphBuilder graph;
   const std::vector<NodeId> x = graph.booleans(100);
-  std::vector<t_value> coefficients(100, 1);
-  coefficients[0] = 5;
-  coefficients[1] = 3;
-  const NodeId highest = graph.add(NodeType::ScalarMax, x, coefficients);
+  const NodeId highest = addHighest(graph, x);
   graph.maximise(highest);
   Dag& dag = graph.build();
   commitValues(dag, {{x[0], 1}, {x[1], 1}});
@@ -128,17 +134,149 @@ TEST(Propagation, RollsBackChangesThatAnExtremumLooksUp) {
   dag.propagation.rollbackAll(dag);
 }
 
+TEST(Propagation, RollsBackAConstraintThatIsAnExtremum) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId highest = addHighest(graph, x);
+  graph.constraint(highest);
+  graph.minimise(x[2]);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[0], 1}, {x[1], 1}});
+  dag.propagation.activateAllConstraints();
+  for (const std::vector<NodeId>& flips : {std::vector{x[1]}, std::vector{x[0], x[1]}}) {
+    for (const NodeId id : flips) dag.flip(id);
+    EXPECT_EQ(dag.propagation.evaluateConstraints(dag), flips.size() == 1) << "0 is false";
+    dag.propagation.rollbackAll(dag);
+    EXPECT_TRUE(isClean(dag));
+    dag.flip(x[0]);
+    ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+    EXPECT_EQ(dag.tentativeValue[highest], 3) << "the second operand has not changed in this move";
+    dag.propagation.rollbackAll(dag);
+    EXPECT_TRUE(isClean(dag));
+  }
+}
+
+TEST(Propagation, RollsBackAnExtremumThatWasToldAndNotEvaluated) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(100);
+  const NodeId barrier = graph.boolean();
+  const NodeId highest = addHighest(graph, x);
+  graph.constraint(graph.add(NodeType::Not, {barrier}));
+  graph.constraint(graph.add(NodeType::Geq, {highest, graph.constant(0)}));
+  graph.minimise(x[2]);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[0], 1}, {x[1], 1}});
+  dag.propagation.activateAllConstraints();
+  dag.flip(x[1]);
+  dag.flip(barrier);
+  ASSERT_FALSE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_TRUE(dag.isDirty(highest));
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  dag.flip(x[0]);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.tentativeValue[highest], 3);
+  dag.propagation.commitAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
+TEST(Propagation, HoldsAggregatesAsBarriersWhateverEndsTheMove) {
+  for (const NodeType type : {NodeType::Or, NodeType::And, NodeType::Xor}) {
+    for (const std::uint32_t n : {5U, 64U, 100U, 2000U}) {
+      GraphBuilder graph;
+      const std::vector<NodeId> x = graph.booleans(n);
+      const NodeId free = graph.boolean();
+      graph.constraint(graph.add(type, std::vector<NodeId>(x.begin(), x.begin() + n - 1)));
+      graph.constraint(graph.add(type, std::vector<NodeId>(x.begin() + 1, x.end())));
+      graph.minimise(graph.add(NodeType::Or, {x[0], free}));
+      Dag& dag = graph.build();
+      for (std::uint32_t p = 0; p < n; ++p) {
+        if (type == NodeType::And || p == 1) commitValues(dag, {{x[p], 1}});
+      }
+      dag.propagation.activateAllConstraints();
+      const std::vector<NodeId> watched{x[1], x[n / 2], x[n - 2]};
+      RandomState state = n;
+      int nbBroken = 0;
+      int nbKept = 0;
+      for (int move = 0; move < 200; ++move) {
+        dag.flip(free);
+        if (coin(state)) {
+          for (std::uint32_t k = 1 + rand(state, 2); k > 0; --k) dag.flip(watched[rand(state, 3)]);
+        }
+        const bool holds = dag.propagation.evaluateConstraints(dag);
+        if (!holds) ++nbBroken;
+        if (holds && coin(state)) {
+          dag.propagation.commitAll(dag);
+          ++nbKept;
+        } else {
+          dag.propagation.rollbackAll(dag);
+        }
+        ASSERT_TRUE(isClean(dag)) << n;
+        ASSERT_TRUE(isWholeGraphInit(dag)) << n;
+        ASSERT_EQ(dag.propagation.committedNbViolated, 0);
+      }
+      EXPECT_GT(nbBroken, 5) << n;
+      EXPECT_GT(nbKept, 5) << n;
+    }
+  }
+}
+
+TEST(Propagation, RollsBackWhatWasEvaluatedBeforeConstraintsBecameOrCeasedToBeBarriers) {
+  GraphBuilder graph;
+  const std::vector<NodeId> x = graph.booleans(2);
+  const NodeId either = graph.add(NodeType::Or, x);
+  const NodeId first = graph.add(NodeType::Or, {x[0], graph.constant(0)});
+  graph.constraint(either);
+  graph.constraint(first);
+  graph.minimise(x[1]);
+  Dag& dag = graph.build();
+  commitValues(dag, {{x[0], 1}});
+  dag.flip(x[0]);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag)) << "they are only counted";
+  dag.propagation.activateAllConstraints();
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  dag.flip(x[0]);
+  EXPECT_FALSE(dag.propagation.evaluateConstraints(dag));
+  dag.propagation.deactivateAllConstraints();
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+}
+
+TEST(Propagation, RollsBackWithoutAnEvaluationBehindAMoveOfBarriers) {
+  GraphBuilder graph;
+  const NodeId held = graph.boolean();
+  const NodeId free = graph.boolean();
+  graph.constraint(held);
+  graph.constraint(graph.add(NodeType::Or, {held, free}));
+  graph.minimise(free);
+  Dag& dag = graph.build();
+  commitValues(dag, {{held, 1}});
+  dag.propagation.activateAllConstraints();
+  dag.flip(free);
+  EXPECT_TRUE(dag.propagation.evaluateConstraints(dag));
+  dag.propagation.rollbackAll(dag);
+  dag.flip(held);
+  dag.flip(free);
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
+  EXPECT_TRUE(isWholeGraphInit(dag));
+}
+
 TEST(Propagation, TellsOperandsOnceInTheMoveBehindABrokenConstraint) {
   GraphBuilder graph;
   const std::vector<NodeId> x = graph.booleans(100);
   const NodeId sum = graph.add(NodeType::Sum, x);
   graph.constraint(graph.add(NodeType::Not, {x[0]}));
+  graph.constraint(graph.add(NodeType::Geq, {sum, graph.constant(0)}));
   graph.minimise(sum);
   Dag& dag = graph.build();
   dag.propagation.activateAllConstraints();
   dag.flip(x[0]);
   dag.flip(x[1]);
   ASSERT_FALSE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.changes(sum).word, 2U);
   dag.propagation.rollbackAll(dag);
   dag.flip(x[1]);
   ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
@@ -178,9 +316,12 @@ TEST(Propagation, MovesWhoseNumbersStartAnewSeeNothingOfTheOldOnes) {
   const std::vector<NodeId> x = graph.booleans(100);
   const NodeId sum = graph.add(NodeType::Sum, x);
   const NodeId wide = graph.add(NodeType::Or, {x[0], x[1]});
-  graph.minimise(graph.add(NodeType::Sum, {sum, wide}));
+  const NodeId highest = addHighest(graph, x);
+  const NodeId element = graph.add(NodeType::At, {graph.add(NodeType::Array, {x[0], x[1]}), x[2]});
+  graph.minimise(graph.add(NodeType::Sum, {sum, wide, highest, element}));
   Dag& dag = graph.build();
-  const MoveNumber first = dag.propagation.moveNumber;
+  const MoveNumber first = kNoMove - 20;
+  dag.propagation.moveNumber = first;
   RandomState state = 3;
   for (MoveNumber last = kNoMove; last <= dag.propagation.moveNumber;) {
     last = dag.propagation.moveNumber;
@@ -197,8 +338,7 @@ TEST(Propagation, MovesWhoseNumbersStartAnewSeeNothingOfTheOldOnes) {
   EXPECT_EQ(dag.propagation.moveNumber, kNoMove + 1) << "no move has the number of none";
   for (MoveNumber old = first; old != kNoMove; ++old) {
     dag.propagation.moveNumber = old;
-    EXPECT_FALSE(dag.isDirty(sum)) << old;
-    EXPECT_FALSE(dag.isDirty(wide)) << old;
+    for (NodeId id = 0; id < dag.fixed.nbNodes; ++id) EXPECT_FALSE(dag.isDirty(id)) << old;
   }
 }
 
@@ -218,15 +358,21 @@ TEST(Propagation, EvaluatesABrokenConstraintStageOnce) {
   EXPECT_TRUE(isClean(dag));
   dag.flip(x[1]);
   EXPECT_TRUE(dag.propagation.evaluateConstraints(dag)) << "the next move starts anew";
+  EXPECT_EQ(dag.changes(sum).word, 1U);
+  EXPECT_EQ(dag.tentativeValue[sum], 1);
   dag.propagation.rollbackAll(dag);
 }
 
-TEST(Propagation, LeavesThingsAsTheyWereWhenCatchingUpFails) {
+class FailingCatchUp : public testing::TestWithParam<NodeType> {};
+
+TEST_P(FailingCatchUp, LeavesThingsAsTheyWere) {
   GraphBuilder graph;
   const std::vector<NodeId> x = graph.booleans(100);
   const NodeId near = graph.add(NodeType::Sum, x);
   const NodeId array = graph.add(NodeType::Array, {graph.constant(5), graph.constant(7)});
-  const NodeId far = graph.add(NodeType::Sum, x);
+  std::vector<t_value> coefficients(100, 1);
+  if (GetParam() == NodeType::ScalarMax) coefficients[1] = 2;
+  const NodeId far = graph.add(GetParam(), x, coefficients);
   const NodeId element = graph.add(NodeType::At, {array, far});
   graph.minimise(near);
   graph.minimise(element);
@@ -246,6 +392,8 @@ TEST(Propagation, LeavesThingsAsTheyWereWhenCatchingUpFails) {
   EXPECT_EQ(dag.nodeValue[element], 7);
   EXPECT_TRUE(isWholeGraphInit(dag));
 }
+
+INSTANTIATE_TEST_SUITE_P(Propagation, FailingCatchUp, testing::Values(NodeType::ScalarSum, NodeType::ScalarMax));
 
 TEST(Propagation, TellsNobodyOfAZeroThatChangesItsSign) {
   GraphBuilder graph;
@@ -307,6 +455,11 @@ TEST(Propagation, TellsTheParentsOfAnActiveConstraintThatStaysTrueWithAnotherVal
   graph.maximise(doubled);
   Dag& dag = graph.build();
   dag.propagation.activateAllConstraints();
+  dag.flip(x);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+  EXPECT_EQ(dag.tentativeValue[count], 2);
+  dag.propagation.rollbackAll(dag);
+  EXPECT_TRUE(isClean(dag));
   dag.flip(x);
   ASSERT_TRUE(dag.propagation.evaluateConstraints(dag) && dag.propagation.evaluateUpTo(dag, 1));
   EXPECT_EQ(dag.tentativeValue[doubled], 4);

@@ -13,6 +13,7 @@ TEST(NodeArrayTemplate, HasChangedAsSoonAsOneElementHas) {
   const NodeId array = graph.add(NodeType::Array, x);
   Dag& dag = graph.build();
   Node& node = *dag.nodes[array];
+  dag.records[array].queuedIn = dag.propagation.moveNumber;
   EXPECT_FALSE(node.hasChanged(dag, array));
   node.notifyChildChanged(dag, 1, array);
   EXPECT_TRUE(node.hasChanged(dag, array));
@@ -74,6 +75,7 @@ TEST(NodeArrayTemplate, WorksOverEveryContainer) {
     EXPECT_EQ(dag.tentativeValue[at], 0) << n;
     EXPECT_TRUE(dag.nodes[array]->hasChanged(dag, array)) << n;
     dag.propagation.rollbackAll(dag);
+    EXPECT_FALSE(dag.nodes[array]->hasChanged(dag, array)) << n;
     EXPECT_TRUE(isWholeGraphInit(dag)) << n;
   }
 }
