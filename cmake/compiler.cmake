@@ -7,8 +7,7 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-# Neighbouring words written one by one and read as a pair stall the processor: in the move loop that costs more than
-# pairs gain anywhere.
+# Neighbouring words written one by one and read as a pair stall the processor, which the move loop does at every move.
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -fno-tree-slp-vectorize -DNDEBUG")
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
